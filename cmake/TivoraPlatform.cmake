@@ -1,0 +1,70 @@
+# The platform seam. The library calls the platform by its real C names; which library answers is
+# decided here, at link level:
+#   - Android log library: the NDK's liblog on a device, Debian's android-liblog-dev elsewhere.
+#   - NN runtime: the vendor SDK when SNPE_ROOT is given, else our host stand-in (platform/snpe).
+# Each choice ends in one target that the library links: Tivora::liblog, Tivora::SNPE.
+
+set(SNPE_ROOT "" CACHE PATH "Root of the vendor NN runtime SDK (include/SNPE, lib/<target>/libSNPE.so)")
+set(FASTCV_ROOT "" CACHE PATH "Root of the vendor image library SDK (fastcv.h, libfastcvopt.so)")
+
+if(ANDROID)
+  set(_tivora_missing "")
+  foreach(_var SNPE_ROOT FASTCV_ROOT)
+    if(NOT ${_var})
+      list(APPEND _tivora_missing ${_var})
+    endif()
+  endforeach()
+  if(_tivora_missing)
+    string(REPLACE ";" ", " _tivora_missing "${_tivora_missing}")
+    message(FATAL_ERROR "An Android build links the vendor SDKs, not the host stand-ins. Missing: ${_tivora_missing}")
+  endif()
+endif()
+
+# --- Android log library ---------------------------------------------------------------------
+if(ANDROID)
+  find_library(TIVORA_LIBLOG_LIBRARY log REQUIRED)
+  add_library(Tivora::liblog INTERFACE IMPORTED)
+  set_target_properties(Tivora::liblog PROPERTIES INTERFACE_LINK_LIBRARIES "${TIVORA_LIBLOG_LIBRARY}")
+else()
+  if(NOT CMAKE_LIBRARY_ARCHITECTURE)
+    message(FATAL_ERROR "CMAKE_LIBRARY_ARCHITECTURE is unknown; cannot locate the Debian multiarch liblog")
+  endif()
+  find_path(TIVORA_LIBLOG_INCLUDE_DIR android/log.h
+            PATHS /usr/include/android NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
+  find_library(TIVORA_LIBLOG_LIBRARY log
+               PATHS /usr/lib/${CMAKE_LIBRARY_ARCHITECTURE}/android NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
+  if(NOT TIVORA_LIBLOG_INCLUDE_DIR OR NOT TIVORA_LIBLOG_LIBRARY)
+    message(FATAL_ERROR "The Android log library for ${CMAKE_LIBRARY_ARCHITECTURE} was not found. "
+                        "Install Debian's android-liblog-dev for this architecture (scripts/setup does).")
+  endif()
+  add_library(Tivora::liblog UNKNOWN IMPORTED)
+  set_target_properties(Tivora::liblog PROPERTIES
+    IMPORTED_LOCATION "${TIVORA_LIBLOG_LIBRARY}"
+    INTERFACE_INCLUDE_DIRECTORIES "${TIVORA_LIBLOG_INCLUDE_DIR}")
+endif()
+
+# --- NN runtime ------------------------------------------------------------------------------
+if(SNPE_ROOT)
+  find_path(TIVORA_SNPE_INCLUDE_DIR SNPE/SNPEUtil.h
+            PATHS "${SNPE_ROOT}/include/SNPE" NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
+  if(ANDROID)
+    set(_snpe_lib_dir "${SNPE_ROOT}/lib/aarch64-android")
+  elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+    set(_snpe_lib_dir "${SNPE_ROOT}/lib/x86_64-linux-clang")
+  else()
+    message(FATAL_ERROR "SNPE_ROOT has no runtime library for ${CMAKE_SYSTEM_NAME}/${CMAKE_SYSTEM_PROCESSOR}")
+  endif()
+  find_library(TIVORA_SNPE_LIBRARY SNPE PATHS "${_snpe_lib_dir}" NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
+  if(NOT TIVORA_SNPE_INCLUDE_DIR OR NOT TIVORA_SNPE_LIBRARY)
+    message(FATAL_ERROR "SNPE_ROOT=${SNPE_ROOT} does not hold include/SNPE/SNPE/SNPEUtil.h and ${_snpe_lib_dir}/libSNPE.so")
+  endif()
+  add_library(Tivora::SNPE SHARED IMPORTED)
+  set_target_properties(Tivora::SNPE PROPERTIES
+    IMPORTED_LOCATION "${TIVORA_SNPE_LIBRARY}"
+    INTERFACE_INCLUDE_DIRECTORIES "${TIVORA_SNPE_INCLUDE_DIR}")
+  set(TIVORA_SNPE_STANDIN OFF)
+else()
+  add_subdirectory(platform/snpe)
+  add_library(Tivora::SNPE ALIAS SNPE)
+  set(TIVORA_SNPE_STANDIN ON)
+endif()

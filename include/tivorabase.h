@@ -1,0 +1,9 @@
+// tivorabase: the common base of on-device camera processings.
+// Include this one header to get the whole public API.
+#pragma once
+
+#include "tvr_types.h"
+#include "SNPEParam.h"
+#include "ScopedTrace.h"
+#include "TivoraLogger.h"
+#include "TivoraUtil.h"
