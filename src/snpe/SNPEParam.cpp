@@ -12,6 +12,14 @@ void copyPath(char (&to)[256], const char* from) {
   to[sizeof to - 1] = '\0';
 }
 
+// Switches are copied and compared as the bytes the host wrote (1 and 2 both mean true but are not
+// equal); reading such a byte as a bool would not be defined.
+void copyByte(bool& to, const bool& from) { std::memcpy(&to, &from, 1); }
+
+bool sameByte(const bool& a, const bool& b) {
+  return *reinterpret_cast<const unsigned char*>(&a) == *reinterpret_cast<const unsigned char*>(&b);
+}
+
 }  // namespace
 
 SNPEParam::SNPEParam()
@@ -30,10 +38,13 @@ SNPEParam::SNPEParam(const tvr_create_param_t* param, unsigned int index)
       profile(param->profile),
       profiling_level(TVR_PROFILING_LEVEL_OFF),
       priority(param->priority),
-      cpu_fallback_mode(param->cpu_fallback_mode),
-      use_user_buffers(param->use_user_buffers),
-      debug_mode(param->debug_mode) {
+      cpu_fallback_mode{},
+      use_user_buffers{},
+      debug_mode{} {
   copyPath(dlc_path, param->dlc_path[index]);
+  copyByte(cpu_fallback_mode, param->cpu_fallback_mode);
+  copyByte(use_user_buffers, param->use_user_buffers);
+  copyByte(debug_mode, param->debug_mode);
 }
 
 SNPEParam& SNPEParam::operator=(const SNPEParam& other) {
@@ -43,17 +54,17 @@ SNPEParam& SNPEParam::operator=(const SNPEParam& other) {
   profile = other.profile;
   profiling_level = other.profiling_level;
   priority = other.priority;
-  cpu_fallback_mode = other.cpu_fallback_mode;
-  use_user_buffers = other.use_user_buffers;
-  debug_mode = other.debug_mode;
+  copyByte(cpu_fallback_mode, other.cpu_fallback_mode);
+  copyByte(use_user_buffers, other.use_user_buffers);
+  copyByte(debug_mode, other.debug_mode);
   return *this;
 }
 
 bool SNPEParam::operator==(const SNPEParam& other) const {
   return std::strncmp(dlc_path, other.dlc_path, sizeof dlc_path) == 0 && runtime == other.runtime &&
          profile == other.profile && profiling_level == other.profiling_level &&
-         priority == other.priority && cpu_fallback_mode == other.cpu_fallback_mode &&
-         use_user_buffers == other.use_user_buffers && debug_mode == other.debug_mode;
+         priority == other.priority && sameByte(cpu_fallback_mode, other.cpu_fallback_mode) &&
+         sameByte(use_user_buffers, other.use_user_buffers) && sameByte(debug_mode, other.debug_mode);
 }
 
 }  // namespace tivora

@@ -82,6 +82,21 @@ TEST(SNPEParam, EqualityComparesEveryFieldExactly) {
   EXPECT_FALSE(differs([](SNPEParam& p) { p.dlc_path[200] = 'Z'; }));
 }
 
+TEST(SNPEParam, SwitchBytesTravelAsTheHostWroteThem) {
+  tvr_create_param_t record = createRecord();
+  const unsigned char two = 2;
+  std::memcpy(&record.debug_mode, &two, 1);
+  const SNPEParam fromHost(&record, 0);
+  SNPEParam copy;
+  copy = fromHost;
+  unsigned char byte = 0;
+  std::memcpy(&byte, &copy.debug_mode, 1);
+  EXPECT_EQ(byte, 2);
+  EXPECT_TRUE(copy == fromHost);
+  record.debug_mode = true;
+  EXPECT_FALSE(SNPEParam(&record, 0) == fromHost);
+}
+
 TEST(SNPEParam, AssignmentCopiesEveryField) {
   const tvr_create_param_t record = createRecord();
   const SNPEParam source(&record, 4);
