@@ -11,12 +11,12 @@ namespace tivora {
 // A plain value: owns no memory (the path is inline), copied by assignment.
 class TVR_EXPORT SNPEParam {
  public:
-  char dlc_path[256];                     // model container path, NUL-terminated
-  tvr_runtime_t runtime;                  // processor to run on
+  char dlc_path[256];     // model container path, NUL-terminated
+  tvr_runtime_t runtime;  // processor to run on
   tvr_perf_profile_t profile;
   tvr_profiling_level_t profiling_level;  // always off when filled from a create record
   tvr_exec_priority_t priority;
-  bool cpu_fallback_mode;                 // the CPU follows `runtime` in the processor order
+  bool cpu_fallback_mode;  // the CPU follows `runtime` in the processor order
   bool use_user_buffers;
   bool debug_mode;
 

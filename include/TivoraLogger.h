@@ -39,18 +39,18 @@ class TVR_EXPORT TivoraLogger {
   };
 
  private:
-  std::string mLogTag;             // Android log tag, "TVR"
-  std::string mConfigDir;          // first directory searched for the configuration file
-  std::string mConfigDirFallback;  // second directory searched
-  std::string mConfigFileName;     // "VEXA_TVR.dat"
-  std::string mLogLevelKey;        // "TivoraLogLevel"
-  std::string mTraceKey;           // "TivoraTrace"
-  std::string mSnpeLogLevelKey;    // "SNPELogLevel"
+  std::string mLogTag;                                 // Android log tag, "TVR"
+  std::string mConfigDir;                              // first directory searched for the configuration file
+  std::string mConfigDirFallback;                      // second directory searched
+  std::string mConfigFileName;                         // "VEXA_TVR.dat"
+  std::string mLogLevelKey;                            // "TivoraLogLevel"
+  std::string mTraceKey;                               // "TivoraTrace"
+  std::string mSnpeLogLevelKey;                        // "SNPELogLevel"
   std::map<std::string, tvr_loglevel_t> mLogLevelMap;  // "V" "D" "I" "W" "E"
   std::map<std::string, bool> mBoolMap;                // "true" "enable" "false" "disable"
   std::map<int, std::string> mPriorityTagMap;          // Android priority -> "[TVR ...]"
-  tvr_loglevel_t mLogLevel;        // current threshold, INFO until configured
-  std::string mDataDir;            // directory of the configuration file; empty when none was found
+  tvr_loglevel_t mLogLevel;                            // current threshold, INFO until configured
+  std::string mDataDir;                                // directory of the configuration file; empty when none was found
 
   static TivoraLogger* mpSingleton;
   static std::mutex mSingletonLock;

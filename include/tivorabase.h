@@ -2,8 +2,8 @@
 // Include this one header to get the whole public API.
 #pragma once
 
-#include "tvr_types.h"
 #include "SNPEParam.h"
 #include "ScopedTrace.h"
 #include "TivoraLogger.h"
 #include "TivoraUtil.h"
+#include "tvr_types.h"

@@ -21,16 +21,16 @@ typedef int32_t tvr_err_t;
 
 enum : tvr_err_t {
   TVR_OK = 0,
-  TVR_ERR_NOT_FOUND = 1,              // network manager, slot, network or user buffers missing
-  TVR_ERR_RUNTIME_UNAVAILABLE = 2,    // the requested processor cannot run networks
-  TVR_ERR_NOT_READY = 3,              // the processing is not bound to the network manager
-  TVR_ERR_CONTAINER_OPEN = 4,         // the model container could not be opened
-  TVR_ERR_BUILD = 5,                  // the network could not be built
-  TVR_ERR_EXECUTE = 7,                // the network's execution failed
-  TVR_ERR_MODEL_READ = 8,             // the model file cannot be read
-  TVR_ERR_INVALID_ARG = 12,           // null record, size mismatch, wrong format, zero divisor
-  TVR_ERR_OPERATION_MODE = 16,        // the image library's operation mode cannot be set
-  TVR_ERR_FILE_READ = 18,             // a file could not be read
+  TVR_ERR_NOT_FOUND = 1,            // network manager, slot, network or user buffers missing
+  TVR_ERR_RUNTIME_UNAVAILABLE = 2,  // the requested processor cannot run networks
+  TVR_ERR_NOT_READY = 3,            // the processing is not bound to the network manager
+  TVR_ERR_CONTAINER_OPEN = 4,       // the model container could not be opened
+  TVR_ERR_BUILD = 5,                // the network could not be built
+  TVR_ERR_EXECUTE = 7,              // the network's execution failed
+  TVR_ERR_MODEL_READ = 8,           // the model file cannot be read
+  TVR_ERR_INVALID_ARG = 12,         // null record, size mismatch, wrong format, zero divisor
+  TVR_ERR_OPERATION_MODE = 16,      // the image library's operation mode cannot be set
+  TVR_ERR_FILE_READ = 18,           // a file could not be read
 };
 
 // ---------------------------------------------------------------------------------------------
@@ -122,16 +122,16 @@ typedef struct {
 
 // Memory that holds the pixels of an image buffer.
 typedef struct {
-  uint8_t* p_base;       // start of the pixel memory; every image operation goes through it alone
-  uint32_t buf_size;     // bytes of pixel memory
-  int32_t heap_id;       // heap the host allocated from; 0 for buffers made by the library
-  void* native;          // host-side object behind the memory; null for buffers made by the library
-  void* native_handle;   // host-side handle of the memory; null for buffers made by the library
+  uint8_t* p_base;      // start of the pixel memory; every image operation goes through it alone
+  uint32_t buf_size;    // bytes of pixel memory
+  int32_t heap_id;      // heap the host allocated from; 0 for buffers made by the library
+  void* native;         // host-side object behind the memory; null for buffers made by the library
+  void* native_handle;  // host-side handle of the memory; null for buffers made by the library
 } tvr_mem_t;
 
 // Region of interest of an image buffer.
 typedef struct {
-  tvr_pos_t pos;         // top-left corner
+  tvr_pos_t pos;  // top-left corner
   tvr_size_t size;
 } tvr_crop_t;
 
@@ -139,10 +139,10 @@ typedef struct {
 typedef struct {
   tvr_mem_t buf;
   tvr_image_format_t format;
-  tvr_size_t size;       // w: row length in samples (bytes for interleaved CbCr and for RGB888)
-  uint32_t offset[3];    // byte offsets of the planes from buf.p_base; plane 0 is luma
-  uint32_t stride;       // bytes from one row to the next
-  uint32_t scanline;     // rows allocated per plane
+  tvr_size_t size;     // w: row length in samples (bytes for interleaved CbCr and for RGB888)
+  uint32_t offset[3];  // byte offsets of the planes from buf.p_base; plane 0 is luma
+  uint32_t stride;     // bytes from one row to the next
+  uint32_t scanline;   // rows allocated per plane
   tvr_crop_t crop;
 } tvr_image_buf_t;
 
@@ -152,23 +152,23 @@ typedef struct {
 
 // Given to setup: the networks a processing wants.
 typedef struct {
-  char dlc_path[5][256];          // model container path for network index 0..4, NUL-terminated
-  uint32_t dlc_num;               // entries of dlc_path in use
-  uint8_t reserved;               // not interpreted; keeps the host's layout
-  tvr_runtime_t runtime;          // processor the networks run on
+  char dlc_path[5][256];  // model container path for network index 0..4, NUL-terminated
+  uint32_t dlc_num;       // entries of dlc_path in use
+  uint8_t reserved;       // not interpreted; keeps the host's layout
+  tvr_runtime_t runtime;  // processor the networks run on
   tvr_perf_profile_t profile;
   tvr_exec_priority_t priority;
-  bool cpu_fallback_mode;         // also allow the CPU behind `runtime`
-  bool use_user_buffers;          // the networks run on caller-supplied buffers
-  bool debug_mode;                // build in the runtime's debug mode
+  bool cpu_fallback_mode;  // also allow the CPU behind `runtime`
+  bool use_user_buffers;   // the networks run on caller-supplied buffers
+  bool debug_mode;         // build in the runtime's debug mode
 } tvr_create_param_t;
 
 // Format, size and layout of a stream of frames.
 typedef struct {
   tvr_image_format_t format;
   tvr_size_t size;
-  uint32_t stride;                // bytes per row
-  uint32_t scanline;              // rows per plane
+  uint32_t stride;    // bytes per row
+  uint32_t scanline;  // rows per plane
 } tvr_stream_info_t;
 
 // Given to initialize: the source stream, constant while it runs.
@@ -178,8 +178,8 @@ typedef struct {
 
 // First argument of apply.
 typedef struct {
-  tvr_rotation_t rotation;        // rotation to apply to the source
-  const tvr_image_buf_t* p_src;   // the source frame; may be null
+  tvr_rotation_t rotation;       // rotation to apply to the source
+  const tvr_image_buf_t* p_src;  // the source frame; may be null
 } tvr_input_param_t;
 
 // Second and third arguments of apply. Their contents are agreed between the host and each

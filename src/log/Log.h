@@ -21,12 +21,11 @@ inline void __attribute__((format(printf, 1, 2))) checkLogFormat(const char*, ..
 
 }  // namespace tivora::detail
 
-#define TVR_LOG(logger, level, className, functionName, ...)                                       \
-  do {                                                                                             \
-    ::tivora::TivoraLogger* tvrLogger_ = (logger);                                                 \
-    if (tvrLogger_ != nullptr && tvrLogger_->isLogEnabled(::tivora::TivoraLogger::TVR_LOG_##level)) { \
-      if (false) ::tivora::detail::checkLogFormat(__VA_ARGS__);                                   \
-      tvrLogger_->logPrint((className), (functionName), ::tivora::detail::kPriority##level,        \
-                           __VA_ARGS__);                                                           \
-    }                                                                                              \
+#define TVR_LOG(logger, level, className, functionName, ...)                                              \
+  do {                                                                                                    \
+    ::tivora::TivoraLogger* tvrLogger_ = (logger);                                                        \
+    if (tvrLogger_ != nullptr && tvrLogger_->isLogEnabled(::tivora::TivoraLogger::TVR_LOG_##level)) {     \
+      if (false) ::tivora::detail::checkLogFormat(__VA_ARGS__);                                           \
+      tvrLogger_->logPrint((className), (functionName), ::tivora::detail::kPriority##level, __VA_ARGS__); \
+    }                                                                                                     \
   } while (0)

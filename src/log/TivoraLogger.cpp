@@ -20,8 +20,8 @@ TivoraLogger::TivoraLogger()
       mLogLevelKey("TivoraLogLevel"),
       mTraceKey("TivoraTrace"),
       mSnpeLogLevelKey("SNPELogLevel"),
-      mLogLevelMap{{"V", TVR_LOG_VERBOSE}, {"D", TVR_LOG_DEBUG}, {"I", TVR_LOG_INFO},
-                   {"W", TVR_LOG_WARN},    {"E", TVR_LOG_ERROR}},
+      mLogLevelMap{
+          {"V", TVR_LOG_VERBOSE}, {"D", TVR_LOG_DEBUG}, {"I", TVR_LOG_INFO}, {"W", TVR_LOG_WARN}, {"E", TVR_LOG_ERROR}},
       mBoolMap{{"true", true}, {"enable", true}, {"false", false}, {"disable", false}},
       mPriorityTagMap{{ANDROID_LOG_VERBOSE, "[TVR VERBOSE]"},
                       {ANDROID_LOG_DEBUG, "[TVR DEBUG]"},
@@ -49,8 +49,7 @@ bool TivoraLogger::isLogEnabled(tvr_loglevel_t level) { return mLogLevel <= leve
 
 std::string TivoraLogger::getDataDir() { return mDataDir; }
 
-void TivoraLogger::logPrint(std::string className, const char* functionName, int priority,
-                            std::string format, ...) {
+void TivoraLogger::logPrint(std::string className, const char* functionName, int priority, std::string format, ...) {
   auto tag = mPriorityTagMap.find(priority);
   const char* levelTag = tag != mPriorityTagMap.end() ? tag->second.c_str() : "[TVR LOG]";
   const std::string prefix = tivora::format("%s %s.%s: ", levelTag, className.c_str(), functionName);

@@ -24,12 +24,16 @@ Snpe_Runtime_t convert(tvr_runtime_t runtime) {
 }
 
 Snpe_PerformanceProfile_t convert(tvr_perf_profile_t profile) {
-  static constexpr Snpe_PerformanceProfile_t kTable[] = {
-      SNPE_PERFORMANCE_PROFILE_DEFAULT,          SNPE_PERFORMANCE_PROFILE_BALANCED,
-      SNPE_PERFORMANCE_PROFILE_HIGH_PERFORMANCE, SNPE_PERFORMANCE_PROFILE_POWER_SAVER,
-      SNPE_PERFORMANCE_PROFILE_SYSTEM_SETTINGS,  SNPE_PERFORMANCE_PROFILE_SUSTAINED_HIGH_PERFORMANCE,
-      SNPE_PERFORMANCE_PROFILE_BURST,            SNPE_PERFORMANCE_PROFILE_LOW_POWER_SAVER,
-      SNPE_PERFORMANCE_PROFILE_HIGH_POWER_SAVER, SNPE_PERFORMANCE_PROFILE_LOW_BALANCED};
+  static constexpr Snpe_PerformanceProfile_t kTable[] = {SNPE_PERFORMANCE_PROFILE_DEFAULT,
+                                                         SNPE_PERFORMANCE_PROFILE_BALANCED,
+                                                         SNPE_PERFORMANCE_PROFILE_HIGH_PERFORMANCE,
+                                                         SNPE_PERFORMANCE_PROFILE_POWER_SAVER,
+                                                         SNPE_PERFORMANCE_PROFILE_SYSTEM_SETTINGS,
+                                                         SNPE_PERFORMANCE_PROFILE_SUSTAINED_HIGH_PERFORMANCE,
+                                                         SNPE_PERFORMANCE_PROFILE_BURST,
+                                                         SNPE_PERFORMANCE_PROFILE_LOW_POWER_SAVER,
+                                                         SNPE_PERFORMANCE_PROFILE_HIGH_POWER_SAVER,
+                                                         SNPE_PERFORMANCE_PROFILE_LOW_BALANCED};
   // Deliberately system settings, not default, for values the runtime would not know.
   return lookup(profile, kTable, SNPE_PERFORMANCE_PROFILE_SYSTEM_SETTINGS);
 }
@@ -41,15 +45,14 @@ Snpe_ProfilingLevel_t convert(tvr_profiling_level_t level) {
 }
 
 Snpe_ExecutionPriorityHint_t convert(tvr_exec_priority_t priority) {
-  static constexpr Snpe_ExecutionPriorityHint_t kTable[] = {
-      SNPE_EXECUTION_PRIORITY_NORMAL, SNPE_EXECUTION_PRIORITY_HIGH, SNPE_EXECUTION_PRIORITY_LOW};
+  static constexpr Snpe_ExecutionPriorityHint_t kTable[] = {SNPE_EXECUTION_PRIORITY_NORMAL,
+                                                            SNPE_EXECUTION_PRIORITY_HIGH, SNPE_EXECUTION_PRIORITY_LOW};
   return lookup(priority, kTable, SNPE_EXECUTION_PRIORITY_NORMAL);
 }
 
 Snpe_RuntimeCheckOption_t convert(tvr_runtime_check_option_t option) {
-  static constexpr Snpe_RuntimeCheckOption_t kTable[] = {SNPE_RUNTIME_CHECK_OPTION_DEFAULT,
-                                                         SNPE_RUNTIME_CHECK_OPTION_NORMAL_CHECK,
-                                                         SNPE_RUNTIME_CHECK_OPTION_BASIC_CHECK};
+  static constexpr Snpe_RuntimeCheckOption_t kTable[] = {
+      SNPE_RUNTIME_CHECK_OPTION_DEFAULT, SNPE_RUNTIME_CHECK_OPTION_NORMAL_CHECK, SNPE_RUNTIME_CHECK_OPTION_BASIC_CHECK};
   return lookup(option, kTable, SNPE_RUNTIME_CHECK_OPTION_DEFAULT);
 }
 

@@ -62,9 +62,9 @@ SNPEParam& SNPEParam::operator=(const SNPEParam& other) {
 
 bool SNPEParam::operator==(const SNPEParam& other) const {
   return std::strncmp(dlc_path, other.dlc_path, sizeof dlc_path) == 0 && runtime == other.runtime &&
-         profile == other.profile && profiling_level == other.profiling_level &&
-         priority == other.priority && sameByte(cpu_fallback_mode, other.cpu_fallback_mode) &&
-         sameByte(use_user_buffers, other.use_user_buffers) && sameByte(debug_mode, other.debug_mode);
+         profile == other.profile && profiling_level == other.profiling_level && priority == other.priority &&
+         sameByte(cpu_fallback_mode, other.cpu_fallback_mode) && sameByte(use_user_buffers, other.use_user_buffers) &&
+         sameByte(debug_mode, other.debug_mode);
 }
 
 }  // namespace tivora

@@ -21,8 +21,6 @@ TEST(Format, CutsAt1023Characters) {
   EXPECT_EQ(tivora::format("%s", std::string(1023, 'b').c_str()).size(), 1023u);
 }
 
-TEST(Format, StopsAtAnEmbeddedTerminator) {
-  EXPECT_EQ(tivora::format("ab%cde", '\0'), "ab");
-}
+TEST(Format, StopsAtAnEmbeddedTerminator) { EXPECT_EQ(tivora::format("ab%cde", '\0'), "ab"); }
 
 }  // namespace

@@ -70,20 +70,23 @@ TEST_F(LoggerConfigTest, NoFileKeepsDefaultsAndOnlyReportsTheRuntimeLevel) {
 }
 
 TEST_F(LoggerConfigTest, FileWithoutKeysReportsEachDefault) {
-  withConfig("nothing to see here\n", [](const Outcome& o) {
-    EXPECT_EQ(o.level, 2);
-    EXPECT_FALSE(o.tracing);
-    EXPECT_EQ(o.runtimeLevel, 1);
-    EXPECT_EQ(o.dataDir, kLocalDir);
-    const std::vector<std::string> expected = {setupMessage("Load config file: " + kLocalConfig),
-                                               setupMessage("Log level is set: I"),
-                                               setupMessage("Snpe log level is set: E")};
-    ASSERT_EQ(o.records.size(), 3u);
-    for (size_t i = 0; i < 3; ++i) {
-      EXPECT_EQ(o.records[i].text, expected[i]);
-      EXPECT_EQ(o.records[i].priority, 4);
-    }
-  }, kLocalConfig);
+  withConfig(
+      "nothing to see here\n",
+      [](const Outcome& o) {
+        EXPECT_EQ(o.level, 2);
+        EXPECT_FALSE(o.tracing);
+        EXPECT_EQ(o.runtimeLevel, 1);
+        EXPECT_EQ(o.dataDir, kLocalDir);
+        const std::vector<std::string> expected = {setupMessage("Load config file: " + kLocalConfig),
+                                                   setupMessage("Log level is set: I"),
+                                                   setupMessage("Snpe log level is set: E")};
+        ASSERT_EQ(o.records.size(), 3u);
+        for (size_t i = 0; i < 3; ++i) {
+          EXPECT_EQ(o.records[i].text, expected[i]);
+          EXPECT_EQ(o.records[i].priority, 4);
+        }
+      },
+      kLocalConfig);
 }
 
 TEST_F(LoggerConfigTest, AllThreeKeysTakeEffect) {
@@ -174,7 +177,8 @@ TEST_P(LoggerTraceLineTest, SwitchesTracing) {
 
 INSTANTIATE_TEST_SUITE_P(
     Lines, LoggerTraceLineTest,
-    ::testing::Values(TraceCase{"True", "TivoraTrace=true\n", true}, TraceCase{"Enable", "TivoraTrace = enable\n", true},
+    ::testing::Values(TraceCase{"True", "TivoraTrace=true\n", true},
+                      TraceCase{"Enable", "TivoraTrace = enable\n", true},
                       TraceCase{"False", "TivoraTrace=false\n", false},
                       TraceCase{"Disable", "TivoraTrace=disable\n", false},
                       TraceCase{"UpperCase", "TivoraTrace=TRUE\n", false},
@@ -237,7 +241,8 @@ TEST_F(LoggerConfigTest, BadFilesLeaveTheDefaults) {
       {"binary", std::string("\0\x01\xff\xfeTivoraTrace\0=true\n\x80\x81", 21)},
       {"endless line", std::string(8 << 20, 'x')},
       {"megabytes of blanks", std::string(4 << 20, ' ')},
-      {"unknown keys", [] {
+      {"unknown keys",
+       [] {
          std::string s;
          for (int i = 0; i < 20000; ++i) s += "Key" + std::to_string(i) + "=value\n";
          return s;

@@ -51,8 +51,8 @@ TEST_F(TraceMarkerTest, ScopeWritesBeginAndEndMarkers) {
   inFreshProcess([] {
     TivoraLogger::getInstance();
     { ScopedTrace trace("MyProcessing", "setup"); }
-    EXPECT_EQ(readMarkers(kTraceMarker), (Markers{marker('B', "MyProcessing", "setup"),
-                                                  marker('E', "MyProcessing", "setup")}));
+    EXPECT_EQ(readMarkers(kTraceMarker),
+              (Markers{marker('B', "MyProcessing", "setup"), marker('E', "MyProcessing", "setup")}));
   });
 }
 

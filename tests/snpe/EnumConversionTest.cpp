@@ -22,8 +22,8 @@ TEST(EnumConversion, RuntimeSkipsTheRuntimesValueFourAndUnsetsTheRest) {
 }
 
 TEST(EnumConversion, PerfProfileFoldsDefaultAndBalancedAndFallsBackToSystemSettings) {
-  expectTable<tvr_perf_profile_t>({{0, 0}, {1, 0}, {2, 1}, {3, 2}, {4, 3}, {5, 4}, {6, 5}, {7, 6}, {8, 7}, {9, 8},
-                                   {10, 3}, {1000, 3}, {-1, 3}});
+  expectTable<tvr_perf_profile_t>(
+      {{0, 0}, {1, 0}, {2, 1}, {3, 2}, {4, 3}, {5, 4}, {6, 5}, {7, 6}, {8, 7}, {9, 8}, {10, 3}, {1000, 3}, {-1, 3}});
 }
 
 TEST(EnumConversion, ProfilingLevelPassesOneToThreeAndTurnsTheRestOff) {

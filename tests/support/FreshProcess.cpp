@@ -39,8 +39,8 @@ void inFreshProcess(const std::function<void()>& body) {
   if (WIFSIGNALED(status)) {
     ADD_FAILURE() << "child process died of signal " << WTERMSIG(status);
   } else {
-    EXPECT_TRUE(WEXITSTATUS(status) == 0) << "the child process failed (exit status " << WEXITSTATUS(status)
-                                          << "); its messages are above";
+    EXPECT_TRUE(WEXITSTATUS(status) == 0)
+        << "the child process failed (exit status " << WEXITSTATUS(status) << "); its messages are above";
   }
 }
 

@@ -33,8 +33,8 @@ std::vector<std::string> LogCapture::texts() const {
 
 }  // namespace tivora::test
 
-extern "C" __attribute__((visibility("default"))) int __android_log_print(int prio, const char* tag,
-                                                                           const char* fmt, ...) {
+extern "C" __attribute__((visibility("default"))) int __android_log_print(int prio, const char* tag, const char* fmt,
+                                                                          ...) {
   va_list args;
   va_start(args, fmt);
   va_list length_args;

@@ -78,8 +78,7 @@ EXPECT_LAYOUT(tvr_crop_t, kCrop);
 EXPECT_FIELD(tvr_crop_t, pos, kCrop, 0);
 EXPECT_FIELD(tvr_crop_t, size, kCrop, 1);
 
-constexpr auto kImageBuf =
-    layoutOf({kMem.asField(), kI32, kSize.asField(), u32Array(3), kU32, kU32, kCrop.asField()});
+constexpr auto kImageBuf = layoutOf({kMem.asField(), kI32, kSize.asField(), u32Array(3), kU32, kU32, kCrop.asField()});
 EXPECT_LAYOUT(tvr_image_buf_t, kImageBuf);
 EXPECT_FIELD(tvr_image_buf_t, buf, kImageBuf, 0);
 EXPECT_FIELD(tvr_image_buf_t, format, kImageBuf, 1);
