@@ -8,8 +8,9 @@ namespace {
 
 // The path is held inline; copies stop at the buffer's end even if a source lacks its NUL.
 void copyPath(char (&to)[256], const char* from) {
-  std::strncpy(to, from, sizeof to - 1);
-  to[sizeof to - 1] = '\0';
+  const size_t length = strnlen(from, sizeof to - 1);
+  std::memcpy(to, from, length);
+  std::memset(to + length, 0, sizeof to - length);
 }
 
 // Switches are copied and compared as the bytes the host wrote (1 and 2 both mean true but are not
