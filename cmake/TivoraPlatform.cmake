@@ -2,7 +2,8 @@
 # decided here, at link level:
 #   - Android log library: the NDK's liblog on a device, Debian's android-liblog-dev elsewhere.
 #   - NN runtime: the vendor SDK when SNPE_ROOT is given, else our host stand-in (platform/snpe).
-# Each choice ends in one target that the library links: Tivora::liblog, Tivora::SNPE.
+#   - Image library: the vendor SDK when FASTCV_ROOT is given, else our host stand-in (platform/fastcv).
+# Each choice ends in one target that the library links: Tivora::liblog, Tivora::SNPE, Tivora::FastCV.
 
 set(SNPE_ROOT "" CACHE PATH "Root of the vendor NN runtime SDK (include/SNPE, lib/<target>/libSNPE.so)")
 set(FASTCV_ROOT "" CACHE PATH "Root of the vendor image library SDK (fastcv.h, libfastcvopt.so)")
@@ -67,4 +68,25 @@ else()
   add_subdirectory(platform/snpe)
   add_library(Tivora::SNPE ALIAS SNPE)
   set(TIVORA_SNPE_STANDIN ON)
+endif()
+
+# --- Image library ---------------------------------------------------------------------------
+if(FASTCV_ROOT)
+  find_path(TIVORA_FASTCV_INCLUDE_DIR fastcv.h
+            PATHS "${FASTCV_ROOT}" PATH_SUFFIXES inc include NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
+  find_library(TIVORA_FASTCV_LIBRARY fastcvopt
+               PATHS "${FASTCV_ROOT}" PATH_SUFFIXES lib lib64 lib/arm64-v8a lib/aarch64-android
+               NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
+  if(NOT TIVORA_FASTCV_INCLUDE_DIR OR NOT TIVORA_FASTCV_LIBRARY)
+    message(FATAL_ERROR "FASTCV_ROOT=${FASTCV_ROOT} does not hold fastcv.h and libfastcvopt.so")
+  endif()
+  add_library(Tivora::FastCV SHARED IMPORTED)
+  set_target_properties(Tivora::FastCV PROPERTIES
+    IMPORTED_LOCATION "${TIVORA_FASTCV_LIBRARY}"
+    INTERFACE_INCLUDE_DIRECTORIES "${TIVORA_FASTCV_INCLUDE_DIR}")
+  set(TIVORA_FASTCV_STANDIN OFF)
+else()
+  add_subdirectory(platform/fastcv)
+  add_library(Tivora::FastCV ALIAS fastcvopt)
+  set(TIVORA_FASTCV_STANDIN ON)
 endif()

@@ -2,8 +2,11 @@
 // Include this one header to get the whole public API.
 #pragma once
 
+#include "SNPEMgr.h"
 #include "SNPEParam.h"
 #include "ScopedTrace.h"
+#include "TivoraBase.h"
 #include "TivoraLogger.h"
 #include "TivoraUtil.h"
+#include "hvx/IProcessing.h"
 #include "tvr_types.h"

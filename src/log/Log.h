@@ -8,6 +8,17 @@
 
 #include "TivoraLogger.h"
 
+namespace tivora {
+
+// The process-wide logger for code that holds no pointer of its own. The logger is never destroyed,
+// so the pointer is fetched once; later calls take no lock.
+inline TivoraLogger* processLogger() {
+  static TivoraLogger* const logger = TivoraLogger::getInstance();
+  return logger;
+}
+
+}  // namespace tivora
+
 namespace tivora::detail {
 
 constexpr int kPriorityVERBOSE = ANDROID_LOG_VERBOSE;

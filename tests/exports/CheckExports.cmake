@@ -39,7 +39,17 @@ foreach(required
     "tivora::getTraceFd()"
     "tivora::format"
     "tivora::SNPEParam::operator=="
-    "tivora::convert(tvr_runtime_t)")
+    "tivora::convert(tvr_runtime_t)"
+    "tivora::SNPEMgr::getInstance()"
+    "tivora::SNPEMgr::mSingleLock"
+    "tivora::SNPEMgr::execute(unsigned int)"
+    "vtable for tivora::SNPEMgr"
+    "tivora::TivoraBase::TivoraBase(unsigned int)"
+    "tivora::TivoraBase::executeSNPE(unsigned int)"
+    "vtable for tivora::TivoraBase"
+    "typeinfo for hvx::IProcessing"
+    "tivora::loadContainer("
+    "tivora::getBufferSize(void*)")
   string(FIND "${table}" "${required}" at)
   if(at EQUAL -1)
     message(FATAL_ERROR "public API not exported: ${required}")

@@ -1,0 +1,85 @@
+// The base class of every camera processing.
+//
+// A processing derives from TivoraBase and implements six hooks. The host drives it through
+// hvx::IProcessing; the base checks each call, writes a trace marker pair around it (see
+// ScopedTrace.h), logs failures at ERROR with the processing's class name, and calls the hooks:
+//
+//   host call          base checks, in order                       hook(s) called
+//   setup(create)      bound to the manager (3), record (12)        setupImpl; on any failure teardownImpl
+//   initialize(static) bound (3), record (12), image library        initializeImpl; on any failure finalizeImpl
+//                      operation mode (16)
+//   apply(in,out,dbg)  bound (3), input (12), output (12)           applyDebugImpl if dbg, else applyImpl
+//   abort()            -                                            none; returns 0
+//   finalize()         -                                            finalizeImpl; returns 0
+//   teardown()         -                                            teardownImpl; returns 0
+//
+// A hook's non-zero status is returned to the host unchanged. finalize and teardown do not check
+// anything, so finalizeImpl and teardownImpl must tolerate running after a failed or skipped
+// setup or initialize (release only what exists).
+//
+// Networks: a processing names its networks by index 0..4; the base maps (resource type, index)
+// to a slot of the process-wide SNPEMgr (slot = type x 5 + min(index, 5)) and forwards.
+//
+// Threads: the lifecycle operations take no lock of their own; the network operations lock the
+// slot they address. Construction binds the processing to the process-wide logger and manager.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "SNPEMgr.h"
+#include "SNPEParam.h"
+#include "TivoraLogger.h"
+#include "hvx/IProcessing.h"
+#include "tvr_export.h"
+#include "tvr_types.h"
+
+namespace tivora {
+
+class TVR_EXPORT TivoraBase : public hvx::IProcessing {
+ protected:
+  SNPEMgr::TVRResourceType mResourceType;  // selects the processing's five network slots
+  TivoraLogger* mpLogger;                  // process-wide, not owned
+  SNPEMgr* mpSNPEMgr;                      // process-wide, not owned; null means "not ready"
+
+ public:
+  explicit TivoraBase(SNPEMgr::TVRResourceType resourceType);
+
+  tvr_err_t setup(const void* createParam) override;
+  tvr_err_t initialize(const void* staticParam) override;
+  tvr_err_t apply(const void* input, void* output, void* debug) override;
+  tvr_err_t abort() override;
+  tvr_err_t finalize() override;
+  tvr_err_t teardown() override;
+  // "TivoraBase"; a derived processing returns its own name.
+  const char* getProcessingName() override;
+  // Releases nothing: the logger and the manager live for the process.
+  ~TivoraBase() override;
+
+ protected:
+  // The hooks. Statuses other than 0 are returned to the host unchanged.
+  virtual tvr_err_t setupImpl(const void* createParam) = 0;  // a tvr_create_param_t
+  virtual void teardownImpl() = 0;
+  virtual tvr_err_t initializeImpl(const void* staticParam) = 0;  // a tvr_static_param_t
+  virtual void finalizeImpl() = 0;
+  virtual tvr_err_t applyImpl(const void* input, void* output) = 0;  // a tvr_input_param_t, the output record
+  virtual tvr_err_t applyDebugImpl(const void* input, void* output, void* debug) = 0;
+
+  // The name every message and trace marker of this processing carries; override it.
+  virtual std::string getClassName();
+
+  // Network access by index (see the header comment for the slot mapping).
+  std::string getModelVersion(unsigned int index);                      // "" when none
+  std::string getInputBufferName(unsigned int index, unsigned int n);   // n-th name in the input map
+  std::string getOutputBufferName(unsigned int index, unsigned int n);  // n-th name in the output map
+  // Builds the network, or reuses the slot's when `param` is equal; see SNPEMgr::createSNPE.
+  tvr_err_t createSNPE(unsigned int index, SNPEParam& param, std::vector<std::string>& outputLayers);
+  // Runs the network on the slot's user-buffer maps; see SNPEMgr::execute.
+  tvr_err_t executeSNPE(unsigned int index);
+  void deleteSNPE(unsigned int index);
+
+ private:
+  unsigned int slotOf(unsigned int index) const;
+};
+
+}  // namespace tivora
