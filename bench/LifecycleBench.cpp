@@ -208,7 +208,12 @@ class RatioReporter : public benchmark::ConsoleReporter {
   void ReportRuns(const std::vector<Run>& runs) override {
     ConsoleReporter::ReportRuns(runs);
     for (const Run& run : runs) {
-      if (run.run_type == Run::RT_Iteration) nanos_[run.benchmark_name()] = run.GetAdjustedCPUTime();
+      // One figure per benchmark: the median when repetitions are asked for, else the single run.
+      if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median") {
+        nanos_[run.run_name.str()] = run.GetAdjustedCPUTime();
+      } else if (run.run_type == Run::RT_Iteration && run.repetitions <= 1) {
+        nanos_[run.benchmark_name()] = run.GetAdjustedCPUTime();
+      }
     }
   }
   void Finalize() override {

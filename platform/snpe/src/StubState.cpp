@@ -25,7 +25,7 @@ struct Counters {
 
 struct State {
   std::mutex lock;
-  std::map<std::string, Script> failures;
+  std::map<std::string, Script, std::less<>> failures;  // looked up by C name without a copy
   std::vector<Call> journal;
   Counters all;
   int maxOneNetwork = 0;
