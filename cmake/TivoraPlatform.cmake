@@ -44,10 +44,24 @@ else()
     INTERFACE_INCLUDE_DIRECTORIES "${TIVORA_LIBLOG_INCLUDE_DIR}")
 endif()
 
+# Makes `target` the vendor's library `lib` (found in `lib_dirs`) with the header `header` (found in
+# `include_dirs`), or stops naming what the SDK at `root` lacks.
+function(tivora_import_vendor target root header include_dirs lib lib_dirs)
+  string(MAKE_C_IDENTIFIER "${target}" id)
+  find_path(${id}_INCLUDE_DIR ${header} PATHS ${include_dirs} NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
+  find_library(${id}_LIBRARY ${lib} PATHS ${lib_dirs} NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
+  if(NOT ${id}_INCLUDE_DIR OR NOT ${id}_LIBRARY)
+    message(FATAL_ERROR "${root} does not hold ${header} (looked in ${include_dirs}) "
+                        "and lib${lib}.so (looked in ${lib_dirs})")
+  endif()
+  add_library(${target} SHARED IMPORTED GLOBAL)
+  set_target_properties(${target} PROPERTIES
+    IMPORTED_LOCATION "${${id}_LIBRARY}"
+    INTERFACE_INCLUDE_DIRECTORIES "${${id}_INCLUDE_DIR}")
+endfunction()
+
 # --- NN runtime ------------------------------------------------------------------------------
 if(SNPE_ROOT)
-  find_path(TIVORA_SNPE_INCLUDE_DIR SNPE/SNPEUtil.h
-            PATHS "${SNPE_ROOT}/include/SNPE" NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
   if(ANDROID)
     set(_snpe_lib_dir "${SNPE_ROOT}/lib/aarch64-android")
   elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
@@ -55,14 +69,8 @@ if(SNPE_ROOT)
   else()
     message(FATAL_ERROR "SNPE_ROOT has no runtime library for ${CMAKE_SYSTEM_NAME}/${CMAKE_SYSTEM_PROCESSOR}")
   endif()
-  find_library(TIVORA_SNPE_LIBRARY SNPE PATHS "${_snpe_lib_dir}" NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
-  if(NOT TIVORA_SNPE_INCLUDE_DIR OR NOT TIVORA_SNPE_LIBRARY)
-    message(FATAL_ERROR "SNPE_ROOT=${SNPE_ROOT} does not hold include/SNPE/SNPE/SNPEUtil.h and ${_snpe_lib_dir}/libSNPE.so")
-  endif()
-  add_library(Tivora::SNPE SHARED IMPORTED)
-  set_target_properties(Tivora::SNPE PROPERTIES
-    IMPORTED_LOCATION "${TIVORA_SNPE_LIBRARY}"
-    INTERFACE_INCLUDE_DIRECTORIES "${TIVORA_SNPE_INCLUDE_DIR}")
+  tivora_import_vendor(Tivora::SNPE "SNPE_ROOT=${SNPE_ROOT}" SNPE/SNPEUtil.h "${SNPE_ROOT}/include/SNPE"
+                       SNPE "${_snpe_lib_dir}")
   set(TIVORA_SNPE_STANDIN OFF)
 else()
   add_subdirectory(platform/snpe)
@@ -72,18 +80,8 @@ endif()
 
 # --- Image library ---------------------------------------------------------------------------
 if(FASTCV_ROOT)
-  find_path(TIVORA_FASTCV_INCLUDE_DIR fastcv.h
-            PATHS "${FASTCV_ROOT}" PATH_SUFFIXES inc include NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
-  find_library(TIVORA_FASTCV_LIBRARY fastcvopt
-               PATHS "${FASTCV_ROOT}" PATH_SUFFIXES lib lib64 lib/arm64-v8a lib/aarch64-android
-               NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
-  if(NOT TIVORA_FASTCV_INCLUDE_DIR OR NOT TIVORA_FASTCV_LIBRARY)
-    message(FATAL_ERROR "FASTCV_ROOT=${FASTCV_ROOT} does not hold fastcv.h and libfastcvopt.so")
-  endif()
-  add_library(Tivora::FastCV SHARED IMPORTED)
-  set_target_properties(Tivora::FastCV PROPERTIES
-    IMPORTED_LOCATION "${TIVORA_FASTCV_LIBRARY}"
-    INTERFACE_INCLUDE_DIRECTORIES "${TIVORA_FASTCV_INCLUDE_DIR}")
+  tivora_import_vendor(Tivora::FastCV "FASTCV_ROOT=${FASTCV_ROOT}" fastcv.h "${FASTCV_ROOT}/inc;${FASTCV_ROOT}/include"
+                       fastcvopt "${FASTCV_ROOT}/lib;${FASTCV_ROOT}/lib64;${FASTCV_ROOT}/lib/aarch64-android")
   set(TIVORA_FASTCV_STANDIN OFF)
 else()
   add_subdirectory(platform/fastcv)
