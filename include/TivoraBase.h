@@ -37,6 +37,14 @@
 namespace tivora {
 
 class TVR_EXPORT TivoraBase : public hvx::IProcessing {
+ public:
+  // Channel order of convertRGB888ToFloat: REVERSE swaps the first and third sample of each pixel
+  // (RGB in, BGR out); every other value keeps the order.
+  enum RgbOrder : int32_t {
+    RGB_ORDER_KEEP = 0,
+    RGB_ORDER_REVERSE = 1,
+  };
+
  protected:
   SNPEMgr::TVRResourceType mResourceType;  // selects the processing's five network slots
   TivoraLogger* mpLogger;                  // process-wide, not owned
@@ -77,6 +85,26 @@ class TVR_EXPORT TivoraBase : public hvx::IProcessing {
   // Runs the network on the slot's user-buffer maps; see SNPEMgr::execute.
   tvr_err_t executeSNPE(unsigned int index);
   void deleteSNPE(unsigned int index);
+
+  // Image operations for the per-frame path: they check every argument first (status 12 and an
+  // ERROR message naming the fault, nothing written), then work without allocating.
+
+  // 8-bit RGB888 (size.w = 3 x pixels, stride in bytes) to floats (stride counted in floats):
+  // out = (1/divisor rounded to float) x (float)(in - mean), in the given channel order. Sizes
+  // must be equal and the divisor non-zero; widths should be multiples of 3 (the last pixel of a
+  // row is always converted whole).
+  tvr_err_t convertRGB888ToFloat(const tvr_image_buf_t* source, tvr_image_buf_t* destination, int mean, int divisor,
+                                 RgbOrder order);
+
+  // Cuts the crop region of a semi-planar frame (format nv12 or nv21; chroma plane at offset[1],
+  // rows one source stride apart) into a luma buffer of the crop's size and an interleaved chroma
+  // buffer of the crop's width and half its height.
+  tvr_err_t splitYUV420SP(const tvr_image_buf_t* source, tvr_image_buf_t* destinationY, tvr_image_buf_t* destinationCC);
+
+  // Cuts the crop region of a planar frame (format YUV420P_UV or _VU; planes at offset[0..2], rows
+  // one source stride apart) into luma, U and V buffers; U and V are half the crop in each direction.
+  tvr_err_t splitYUV420P(const tvr_image_buf_t* source, tvr_image_buf_t* destinationY, tvr_image_buf_t* destinationU,
+                         tvr_image_buf_t* destinationV);
 
  private:
   unsigned int slotOf(unsigned int index) const;

@@ -34,12 +34,15 @@ class RecordingProcessing : public TivoraBase {
 
   const char* getProcessingName() override { return "RecordingProcessing"; }
 
+  using TivoraBase::convertRGB888ToFloat;
   using TivoraBase::createSNPE;
   using TivoraBase::deleteSNPE;
   using TivoraBase::executeSNPE;
   using TivoraBase::getInputBufferName;
   using TivoraBase::getModelVersion;
   using TivoraBase::getOutputBufferName;
+  using TivoraBase::splitYUV420P;
+  using TivoraBase::splitYUV420SP;
 
  protected:
   std::string getClassName() override { return "RecordingProcessing"; }
