@@ -1,6 +1,7 @@
 #include <atomic>
 #include <mutex>
 
+#include "StubState.h"
 #include "fastcv.h"
 #include "fastcv_stub/FastcvControl.h"
 
@@ -28,6 +29,7 @@ std::vector<int> fastcv_stub::operationModeCalls() {
 }
 
 extern "C" int fcvSetOperationMode(fcvOperationMode mode) {
+  fastcv_stub::detail::journalCall("fcvSetOperationMode", mode);
   {
     std::lock_guard<std::mutex> guard(calls().lock);
     calls().modes.push_back(static_cast<int>(mode));

@@ -1,0 +1,43 @@
+// The stand-in's process-wide state shared by every function: the journal of calls.
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <type_traits>
+
+namespace fastcv_stub::detail {
+
+inline std::string arg(const void* pointer) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%p", pointer);
+  return text;
+}
+template <typename T, typename = std::enable_if_t<std::is_arithmetic_v<T> || std::is_enum_v<T>>>
+std::string arg(T value) {
+  if constexpr (std::is_enum_v<T>) {
+    return std::to_string(static_cast<long long>(value));
+  } else {
+    return std::to_string(value);
+  }
+}
+
+// "a, b, c" from the arguments of a call.
+template <typename First, typename... Rest>
+std::string args(First first, Rest... rest) {
+  std::string text = arg(first);
+  ((text += ", ", text += arg(rest)), ...);
+  return text;
+}
+
+void record(const char* name, std::string args);
+
+// Journals the call with its arguments.
+template <typename... Args>
+void journalCall(const char* name, Args... values) {
+  record(name, args(values...));
+}
+
+// Consumes one scripted fcvMemAlloc failure; true when this call must fail.
+bool memAllocMustFail();
+
+}  // namespace fastcv_stub::detail
