@@ -1,24 +1,17 @@
 // The stand-in's process-wide state shared by every function: the journal of calls.
 #pragma once
 
-#include <cstdio>
 #include <string>
 #include <type_traits>
 
+#include "stub_common/JournalText.h"
+
 namespace fastcv_stub::detail {
 
-inline std::string arg(const void* pointer) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%p", pointer);
-  return text;
-}
+inline std::string arg(const void* pointer) { return stub_common::addressText(pointer); }
 template <typename T, typename = std::enable_if_t<std::is_arithmetic_v<T> || std::is_enum_v<T>>>
 std::string arg(T value) {
-  if constexpr (std::is_enum_v<T>) {
-    return std::to_string(static_cast<long long>(value));
-  } else {
-    return std::to_string(value);
-  }
+  return stub_common::numberText(value);
 }
 
 // "a, b, c" from the arguments of a call.

@@ -13,6 +13,7 @@
 #include "DlSystem/DlEnums.h"
 #include "DlSystem/DlError.h"
 #include "snpe_stub/SnpeControl.h"
+#include "stub_common/JournalText.h"
 
 namespace snpe_stub::detail {
 
@@ -44,18 +45,10 @@ struct Memory {
 
 inline std::string arg(const void* handle) { return handleName(handle); }
 inline std::string arg(const char* text) { return text ? '"' + std::string(text) + '"' : "null"; }
-inline std::string arg(Memory memory) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%p", memory.address);
-  return text;
-}
+inline std::string arg(Memory memory) { return stub_common::addressText(memory.address); }
 template <typename T, typename = std::enable_if_t<std::is_arithmetic_v<T> || std::is_enum_v<T>>>
 std::string arg(T value) {
-  if constexpr (std::is_enum_v<T>) {
-    return std::to_string(static_cast<long long>(value));
-  } else {
-    return std::to_string(value);
-  }
+  return stub_common::numberText(value);
 }
 
 // enter() with the arguments rendered as the journal writes them (only while journalling).
