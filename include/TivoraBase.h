@@ -86,8 +86,41 @@ class TVR_EXPORT TivoraBase : public hvx::IProcessing {
   tvr_err_t executeSNPE(unsigned int index);
   void deleteSNPE(unsigned int index);
 
+  // Image buffers. createImageBuf makes a record and its pixel memory, both owned by the caller
+  // until deleteImageBuf; `pixelSize` is the bytes per sample (1 for 8-bit planes, 4 for floats).
+  //   format 0..3 (4:2:0)   stride rounded down to even (the record keeps the rounded value, even
+  //                         when it ends below the width); size = pixelSize x stride x height x 3/2;
+  //                         offset = {0, S, S x 5/4} for 0, {0, S, S} for 1, {0, S, 0} for 2 and 3,
+  //                         with S = stride x height
+  //   format 4, 5           size = pixelSize x height x stride, offsets 0
+  //   format 6              as 4 and 5, memory from the image library's 16-byte aligned allocator
+  //   other formats         no pixels (a zero-byte allocation)
+  // A stride below the width is raised to the width (WARN); zero sizes only warn. Sizes are 32-bit
+  // and wrap. Pixel memory is not cleared. Returns null when the pixel memory cannot be had (an
+  // ERROR message; the record is not reclaimed on that path).
+  tvr_image_buf_t* createImageBuf(uint32_t width, uint32_t height, uint32_t stride, tvr_image_format_t format,
+                                  uint64_t pixelSize);
+  // Releases a record from createImageBuf and its pixels; null is ignored. The deallocator follows
+  // `format`, so never change the format of a buffer made by createImageBuf.
+  void deleteImageBuf(tvr_image_buf_t* buf);
+
   // Image operations for the per-frame path: they check every argument first (status 12 and an
   // ERROR message naming the fault, nothing written), then work without allocating.
+
+  // NV12 planes to RGB888 through up to four image-library stages, each run when its buffers are
+  // given (and, for the scalings, when they change the size):
+  //   scale down (each out size <= current) -> scale up (each >= current)
+  //   -> rotate (rotation != 0; the rotate records carry the UNROTATED sizes, their strides suit
+  //      the rotated rows) -> colour conversion into `rgb` (always).
+  // Plane records: luma size.w = pixels; chroma size.w = bytes per row (= luma width), size.h =
+  // luma height / 2; rgb size.w = 3 x pixels. Only p_base, size and stride are read; every
+  // intermediate is caller-made (createImageBuf once, reused per frame). A failed stage leaves the
+  // earlier stages' buffers written. Chroma is always read Cb first.
+  tvr_err_t convertNv12ToRgb888(const tvr_image_buf_t* sourceY, const tvr_image_buf_t* sourceCC, tvr_image_buf_t* rgb,
+                                tvr_rotation_t rotation, const tvr_image_buf_t* scaleDownY,
+                                const tvr_image_buf_t* scaleDownCC, const tvr_image_buf_t* scaleUpY,
+                                const tvr_image_buf_t* scaleUpCC, const tvr_image_buf_t* rotateY,
+                                const tvr_image_buf_t* rotateCC);
 
   // 8-bit RGB888 (size.w = 3 x pixels, stride in bytes) to floats (stride counted in floats):
   // out = (1/divisor rounded to float) x (float)(in - mean), in the given channel order. Sizes

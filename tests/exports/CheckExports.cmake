@@ -49,7 +49,18 @@ foreach(required
     "vtable for tivora::TivoraBase"
     "typeinfo for hvx::IProcessing"
     "tivora::loadContainer("
-    "tivora::getBufferSize(void*)")
+    "tivora::getBufferSize(void*)"
+    "tivora::TivoraBase::createImageBuf("
+    "tivora::TivoraBase::deleteImageBuf("
+    "tivora::TivoraBase::convertNv12ToRgb888("
+    "tivora::TivoraBase::convertRGB888ToFloat("
+    "tivora::TivoraBase::splitYUV420SP("
+    "tivora::TivoraBase::splitYUV420P("
+    "tivora::convert(tvr_rotation_t)"
+    "(tvr_image_format_t)"
+    "tivora::readFromFile("
+    "tivora::outputRawImage("
+    "tivora::clip(float, float, float)")
   string(FIND "${table}" "${required}" at)
   if(at EQUAL -1)
     message(FATAL_ERROR "public API not exported: ${required}")

@@ -34,8 +34,11 @@ class RecordingProcessing : public TivoraBase {
 
   const char* getProcessingName() override { return "RecordingProcessing"; }
 
+  using TivoraBase::convertNv12ToRgb888;
   using TivoraBase::convertRGB888ToFloat;
+  using TivoraBase::createImageBuf;
   using TivoraBase::createSNPE;
+  using TivoraBase::deleteImageBuf;
   using TivoraBase::deleteSNPE;
   using TivoraBase::executeSNPE;
   using TivoraBase::getInputBufferName;
