@@ -2,17 +2,11 @@
 #include <cstdlib>
 
 #include "TivoraBase.h"
+#include "common/Sanitizers.h"
 #include "fastcv.h"
 #include "log/Log.h"
 
-#if defined(__SANITIZE_ADDRESS__)
-#define TVR_HAS_LSAN 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define TVR_HAS_LSAN 1
-#endif
-#endif
-#ifdef TVR_HAS_LSAN
+#ifdef TVR_ADDRESS_SANITIZER
 #include <sanitizer/lsan_interface.h>
 #endif
 
@@ -61,7 +55,7 @@ tvr_image_buf_t* TivoraBase::createImageBuf(uint32_t width, uint32_t height, uin
     TVR_LOG(mpLogger, ERROR, getClassName(), kFunction,
             "Failed to allocate image buffer W(%d) / H(%d) Stride(%d) Size(%d)", width, height, stride, size);
     // The record is deliberately not reclaimed on this path; tell the leak checker so.
-#ifdef TVR_HAS_LSAN
+#ifdef TVR_ADDRESS_SANITIZER
     __lsan_ignore_object(record);
 #endif
     return nullptr;

@@ -33,10 +33,11 @@ tvr_err_t TivoraBase::convertRGB888ToFloat(const tvr_image_buf_t* source, tvr_im
   // Columns step by 3 and the test follows each step: every row converts at least one pixel, and
   // a width that is no multiple of 3 converts its last pixel whole.
   const uint32_t pixels = width / 3u + (width % 3u != 0 ? 1u : 0u);
+  const image::RgbRowToFloatFn rowToFloat = image::rgbRowToFloatKernel();
   const uint8_t* src = source->buf.p_base;
   float* dst = reinterpret_cast<float*>(destination->buf.p_base);
   for (uint32_t r = 0; r < height; ++r) {
-    image::rgbRowToFloat(src + static_cast<uint32_t>(source->stride * r),
+    rowToFloat(src + static_cast<uint32_t>(source->stride * r),
                          dst + static_cast<uint32_t>(destination->stride * r), pixels, mean, scale, reverse);
   }
   return TVR_OK;

@@ -1,7 +1,6 @@
 // Cutting the crop region of a host frame into separate planes, row by row.
-#include <cstring>
-
 #include "TivoraBase.h"
+#include "image/RowCopy.h"
 #include "log/Log.h"
 
 namespace tivora {
@@ -13,8 +12,8 @@ namespace {
 void copyRows(const uint8_t* base, uint32_t start, uint32_t stride, uint32_t bytes, uint32_t rows,
               const tvr_image_buf_t* destination) {
   for (uint32_t r = 0; r < rows; ++r) {
-    std::memcpy(destination->buf.p_base + static_cast<uint32_t>(destination->stride * r),
-                base + static_cast<uint32_t>(start + r * stride), bytes);
+    image::copyRow(destination->buf.p_base + static_cast<uint32_t>(destination->stride * r),
+                   base + static_cast<uint32_t>(start + r * stride), bytes);
   }
 }
 

@@ -21,8 +21,12 @@ struct Axis {
   std::vector<uint32_t> weights;
 };
 
-Axis areaAxis(uint32_t in, uint32_t out) {
-  Axis axis;
+// Fills `axis` (cleared first; its capacity is kept for the next frame).
+void areaAxis(uint32_t in, uint32_t out, Axis& axis) {
+  axis.first.clear();
+  axis.count.clear();
+  axis.offset.clear();
+  axis.weights.clear();
   for (uint64_t i = 0; i < out; ++i) {
     const uint64_t begin = i * in;
     const uint64_t end = begin + in;
@@ -37,7 +41,6 @@ Axis areaAxis(uint32_t in, uint32_t out) {
       axis.weights.push_back(static_cast<uint32_t>(to - from));
     }
   }
-  return axis;
 }
 
 // Weighted sums of one input row: sums[i * channels + c] for every output sample i and channel c.
@@ -59,12 +62,16 @@ void areaScalePlane(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, u
   if (src == nullptr || dst == nullptr || srcWidth == 0 || srcHeight == 0 || dstWidth == 0 || dstHeight == 0) {
     return;
   }
-  const Axis columns = areaAxis(srcWidth, dstWidth);
-  const Axis rows = areaAxis(srcHeight, dstHeight);
+  // Scratch per thread, as a real image library keeps it: a stream of frames allocates nothing.
+  thread_local Axis columns;
+  thread_local Axis rows;
+  thread_local std::vector<uint64_t> rowSums;
+  thread_local std::vector<uint64_t> total;
+  areaAxis(srcWidth, dstWidth, columns);
+  areaAxis(srcHeight, dstHeight, rows);
   const std::size_t samples = std::size_t{dstWidth} * channels;
   const uint64_t divisor = uint64_t{srcWidth} * srcHeight;
-  std::vector<uint64_t> rowSums(samples);
-  std::vector<uint64_t> total(samples);
+  rowSums.resize(samples);
   for (uint32_t y = 0; y < dstHeight; ++y) {
     total.assign(samples, 0);
     for (uint32_t k = 0; k < rows.count[y]; ++k) {

@@ -24,8 +24,10 @@ struct Axis {
   std::vector<std::array<int32_t, kTaps>> weight;
 };
 
-Axis cubicAxis(uint32_t in, uint32_t out) {
-  Axis axis;
+// Fills `axis` (cleared first; its capacity is kept for the next frame).
+void cubicAxis(uint32_t in, uint32_t out, Axis& axis) {
+  axis.index.clear();
+  axis.weight.clear();
   const double scale = static_cast<double>(in) / out;
   const double last = in - 1.0;
   for (uint32_t i = 0; i < out; ++i) {
@@ -52,7 +54,6 @@ Axis cubicAxis(uint32_t in, uint32_t out) {
     }
     axis.index.push_back(index);
   }
-  return axis;
 }
 
 // One input row filtered to the output width, scaled by kOne: out[i * channels + c].
@@ -82,10 +83,14 @@ void cubicScalePlane(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, 
   if (src == nullptr || dst == nullptr || srcWidth == 0 || srcHeight == 0 || dstWidth == 0 || dstHeight == 0) {
     return;
   }
-  const Axis columns = cubicAxis(srcWidth, dstWidth);
-  const Axis rows = cubicAxis(srcHeight, dstHeight);
+  // Scratch per thread, as a real image library keeps it: a stream of frames allocates nothing.
+  thread_local Axis columns;
+  thread_local Axis rows;
+  thread_local std::vector<int32_t> filtered;
+  cubicAxis(srcWidth, dstWidth, columns);
+  cubicAxis(srcHeight, dstHeight, rows);
   const std::size_t samples = std::size_t{dstWidth} * channels;
-  std::vector<int32_t> filtered(samples * kTaps);
+  filtered.resize(samples * kTaps);
   for (uint32_t y = 0; y < dstHeight; ++y) {
     for (std::size_t k = 0; k < kTaps; ++k) {
       cubicRow(src + std::size_t{rows.index[y][k]} * srcStride, columns, channels, filtered.data() + k * samples);

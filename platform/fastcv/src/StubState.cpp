@@ -1,5 +1,6 @@
 #include "StubState.h"
 
+#include <atomic>
 #include <mutex>
 #include <utility>
 #include <vector>
@@ -20,7 +21,14 @@ State& state() {
   return *s;
 }
 
+// Outside the lock: a call that is not journalled takes no lock and builds no text.
+std::atomic<bool> gJournaling{true};
+
 }  // namespace
+
+void setJournaling(bool on) { gJournaling.store(on, std::memory_order_relaxed); }
+
+bool detail::journaling() { return gJournaling.load(std::memory_order_relaxed); }
 
 std::vector<Call> journal() {
   State& s = state();

@@ -23,11 +23,12 @@ std::string args(First first, Rest... rest) {
 }
 
 void record(const char* name, std::string args);
+bool journaling();
 
-// Journals the call with its arguments.
+// Journals the call with its arguments, unless journaling is off.
 template <typename... Args>
 void journalCall(const char* name, Args... values) {
-  record(name, args(values...));
+  if (journaling()) record(name, args(values...));
 }
 
 // Consumes one scripted fcvMemAlloc failure; true when this call must fail.

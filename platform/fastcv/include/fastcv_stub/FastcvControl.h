@@ -40,6 +40,10 @@ struct Call {
 // Every call of an fcv* function since the last reset(), in order.
 std::vector<Call> journal();
 
+// Journaling is on at load. Off, calls are neither recorded nor formatted (for benchmarks, which
+// must not count the journal's own allocations).
+void setJournaling(bool on);
+
 // Forgets the journal and any fcvMemAlloc failure script. Memory handed out stays valid.
 void reset();
 
