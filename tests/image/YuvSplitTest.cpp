@@ -88,6 +88,43 @@ TEST_F(YuvSplitTest, PlanarCropTakesHalfSizedChromaFromEachPlane) {
   }
 }
 
+// Every width from one byte to more than a 1080p row, odd crop corners and heights, destinations
+// wider than their rows: each byte comes from where the crop says, and nothing lands beside it.
+TEST_F(YuvSplitTest, ManyWidthsAndCornersCopyExactlyTheCrop) {
+  for (uint32_t w : {1u, 2u, 3u, 15u, 16u, 17u, 33u, 255u, 256u, 1921u}) {
+    for (int32_t x : {0, 1, 7}) {
+      for (uint32_t h : {2u, 6u}) {
+        const int32_t y = x == 7 ? 3 : 0;  // an odd row: the chroma rows start at y / 2
+        const uint32_t stride = w + static_cast<uint32_t>(x) + 9;
+        Frame nv12(TVR_FORMAT_NV12, stride, h + 4, x, y, w, h);
+        Plane luma(w, h), chroma(w, h / 2);
+        ASSERT_EQ(processing.splitYUV420SP(&nv12.record, &luma.record, &chroma.record), 0);
+        const uint8_t* base = nv12.memory.data();
+        const auto at = [&](uint32_t row) { return base + row * stride + static_cast<uint32_t>(x); };
+        for (uint32_t r = 0; r < h; ++r) luma.expectRow(r, at(static_cast<uint32_t>(y) + r), w);
+        for (uint32_t r = 0; r < h / 2; ++r) {
+          chroma.expectRow(r, at(static_cast<uint32_t>(y / 2) + r) + nv12.record.offset[1], w);
+        }
+
+        Frame planar(TVR_FORMAT_YUV420P_VU, stride, h + 4, x, y, w, h);
+        Plane y2(w, h), u(w / 2, h / 2), v(w / 2, h / 2);
+        if (w % 2 != 0) {  // no half-width chroma plane fits an odd width
+          EXPECT_EQ(processing.splitYUV420P(&planar.record, &y2.record, &u.record, &v.record), 12);
+          continue;
+        }
+        ASSERT_EQ(processing.splitYUV420P(&planar.record, &y2.record, &u.record, &v.record), 0);
+        const uint8_t* p = planar.memory.data();
+        for (uint32_t r = 0; r < h; ++r) y2.expectRow(r, p + (static_cast<uint32_t>(y) + r) * stride + x, w);
+        for (uint32_t r = 0; r < h / 2; ++r) {
+          const uint32_t start = (static_cast<uint32_t>(y / 2) + r) * stride + static_cast<uint32_t>(x / 2);
+          u.expectRow(r, p + planar.record.offset[1] + start, w / 2);
+          v.expectRow(r, p + planar.record.offset[2] + start, w / 2);
+        }
+      }
+    }
+  }
+}
+
 TEST_F(YuvSplitTest, EmptyCropCopiesNothing) {
   Frame frame(TVR_FORMAT_NV12, 64, 8, 0, 0, 0, 0);
   Plane y(0, 0), cc(0, 0), u(0, 0), v(0, 0);
