@@ -48,6 +48,11 @@ foreach(required
     "tivora::TivoraBase::executeSNPE(unsigned int)"
     "vtable for tivora::TivoraBase"
     "typeinfo for hvx::IProcessing"
+    "tivora::TivoraBase::DebugBase::DebugBase()"
+    "tivora::TivoraBase::DebugBase::loadConfig("
+    "tivora::TivoraBase::DebugBase::dumpBaseInputParam("
+    "tivora::TivoraBase::DebugBase::dumpBufferByKey("
+    "vtable for tivora::TivoraBase::DebugBase"
     "tivora::loadContainer("
     "tivora::getBufferSize(void*)")
   string(FIND "${table}" "${required}" at)
