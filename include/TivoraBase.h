@@ -22,9 +22,13 @@
 //
 // Threads: the lifecycle operations take no lock of their own; the network operations lock the
 // slot they address. Construction binds the processing to the process-wide logger and manager.
+//
+// Debugging: DebugBase (below) reads a debug configuration and dumps records and image buffers.
 #pragma once
 
+#include <iosfwd>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "SNPEMgr.h"
@@ -43,6 +47,99 @@ class TVR_EXPORT TivoraBase : public hvx::IProcessing {
   enum RgbOrder : int32_t {
     RGB_ORDER_KEEP = 0,
     RGB_ORDER_REVERSE = 1,
+  };
+
+  // Debug support of a processing: a debug configuration file, and dumps of the host records and
+  // of image buffers into its data directory. The base never dumps by itself; a processing owns a
+  // DebugBase (or derives from it), loads its configuration once, typically in setupImpl, and dumps
+  // wherever it wants data on disk:
+  //
+  //   mDebug.loadConfig("MyProcessingDebug.dat");                  // in setupImpl
+  //   mDebug.dumpBufferByKey("src", frame, "DumpSource", "nv12");  // in applyImpl, per frame
+  //
+  // The configuration file lies in the logger's data directory (TivoraLogger::getDataDir(): the
+  // directory where "VEXA_TVR.dat" was found). It holds key=value lines:
+  //
+  //   DataDir=/data/vendor/camera/dumps     where the dumps go (default: the logger's directory)
+  //   DumpSource=true                        switches on the dumps made under the key "DumpSource"
+  //
+  // Lines end at '\n'. A line without '=' and an empty line are skipped; the key is everything
+  // before the first '=', the value everything after it. Nothing is trimmed: blanks, tabs and a
+  // trailing '\r' (a file saved with CRLF line ends) stay part of the key or the value, and there
+  // are no comments. When a key appears twice, the first line wins. A buffer key is switched on by
+  // the exact value "true" only ("True", "1" or "true " leave it off).
+  //
+  // Debugging is on once a loadConfig has succeeded, and stays on: nothing switches it off again.
+  // While it is off every dump does nothing. Nothing here throws or reports failures beyond
+  // loadConfig's result; a dump that cannot be written is silently skipped. Messages go to the
+  // logger at DEBUG with the tag "DebugBase".
+  //
+  // Threads: no locking. A DebugBase belongs to one processing and is used from the thread that
+  // drives it.
+  class TVR_EXPORT DebugBase {
+   protected:
+    std::string mDataDirKey;                               // "DataDir": the key that sets mDataDir
+    std::unordered_map<std::string, std::string> mConfig;  // pairs read by the last successful open
+    std::string mDataDir;                                  // where dumps go: the logger's directory, or DataDir
+    bool mDebugEnabled;                                    // off until a loadConfig succeeds; never off again
+
+   public:
+    DebugBase();
+    virtual ~DebugBase();
+
+    // Whether a loadConfig has switched debugging on.
+    bool isDebugEnabled();
+
+    // Reads "<logger's data directory>/<fileName>". Returns true when this call switched
+    // debugging on: the file opened and the data directory (the logger's, or the value of a
+    // "DataDir" line) is neither empty nor holds a blank (' ').
+    //  - Every call first resets the data directory to the logger's.
+    //  - A file that does not open leaves the configuration and debugging as they were: false.
+    //  - A file that opens replaces the configuration, even when its data directory is then
+    //    refused (false; debugging keeps its earlier state).
+    // Logs "Read config file <dir>/<file>", each "Config <key> = <value>", then "Debug is enabled"
+    // or "Cannot set data directory".
+    bool loadConfig(std::string fileName);
+
+    // Parameter dumps: write a host record as text into `stream`, one field a line, each line
+    // flushed. Leading commas show the nesting and labels are the record's field names:
+    //
+    //   Input parameter,
+    //   ,rotation,1
+    //   ,p_src
+    //   ,,buf
+    //   ,,,p_base,7f3c0010           addresses as the low 32 bits in at least 8 hex digits
+    //   ...
+    //   ,,crop
+    //   ,,,pos
+    //   ,,,,x,0
+    //
+    // Numbers are decimal (enumerations and int32 fields signed, uint32 fields unsigned), bools in
+    // the stream's own bool format, strings as they stand. An input record without a frame writes
+    // ",p_src,NULL" in place of the frame; the output and debug records write their heading only,
+    // since their contents belong to the processing. Nothing is written unless debugging is on,
+    // the record is not null and the stream is open and neither failed nor bad; write errors stay
+    // in the stream's state. dumpBaseCreateParam writes one path line per entry in use (dlc_num),
+    // at most the record's five.
+    void dumpBaseCreateParam(std::ofstream& stream, const tvr_create_param_t* param);
+    void dumpBaseStaticParam(std::ofstream& stream, const tvr_static_param_t* param);
+    void dumpBaseInputParam(std::ofstream& stream, const tvr_input_param_t* param);
+    void dumpBaseOutputParam(std::ofstream& stream, const tvr_output_param_t* param);
+    void dumpBaseDebugParam(std::ofstream& stream, const tvr_debug_param_t* param);
+
+    // Writes `size` bytes from `data` to the file `path`, creating or truncating it. Does nothing
+    // when debugging is off, `data` is null or `size` is below 1.
+    void dumpBuffer(std::string path, const unsigned char* data, int32_t size);
+
+    // When debugging is on and the configuration maps `key` to exactly "true", writes the whole
+    // allocation of `buffer` (buf_size bytes from p_base: every plane, row padding included, as it
+    // lies in memory) to
+    //     <data directory>/<boot time in ns>_<name>_<stride>x<height>.<extension>
+    // e.g. "5000000000_src_1920x1080.nv12". The name gives the stride in bytes (not the width) and
+    // the height (not the scanline), which is how a reader finds the rows; the boot-time stamp
+    // keeps two dumps under one name apart. Does nothing for a null buffer, an empty one, or one
+    // whose buf_size does not fit a signed 32-bit count. `tvrtool view` turns the file into a PNG.
+    void dumpBufferByKey(std::string name, const tvr_image_buf_t* buffer, std::string key, std::string extension);
   };
 
  protected:
