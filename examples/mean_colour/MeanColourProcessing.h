@@ -1,0 +1,126 @@
+// A complete sample processing: the model to copy when writing one.
+//
+// MeanColourProcessing takes NV12 camera frames, cuts the host's crop region out, scales it to its
+// network's input size, turns it as the host asks, converts it to normalised float RGB right in
+// the network's input buffer, runs the network and reports the network's answer. Its bundled
+// network (for the NN runtime's host stand-in) computes the mean colour of the picture; on a
+// device the same code runs a real model whose first output has three values.
+//
+// The host drives it through hvx::IProcessing:
+//   setup(tvr_create_param_t)       builds network 0 from dlc_path[0], wraps its user buffers
+//   initialize(tvr_static_param_t)  allocates every intermediate image once, for this stream
+//   apply(tvr_input_param_t, MeanColourOutput, debug)   one frame; with a debug record it also
+//                                   dumps what it saw (see kDebugConfigFile)
+//   abort / finalize / teardown     finalize frees the images, teardown the network's buffers;
+//                                   both are safe after a failed or skipped setup or initialize
+#pragma once
+
+#include <time.h>
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "TivoraBase.h"
+
+namespace tivora::examples {
+
+// What the host gets back from apply (the output record is agreed between host and processing).
+struct MeanColourOutput {
+  float mean_rgb[3];   // the network's first output: for the bundled network, the mean of R, G
+                       // and B of the network's input, in the normalised units of the input
+  uint32_t frame;      // frames applied so far, this one included
+};
+
+// Time spent in each stage of the last apply, in nanoseconds of the monotonic clock.
+struct StageTimes {
+  int64_t split = 0;
+  int64_t nv12ToRgb = 0;
+  int64_t rgbToFloat = 0;
+  int64_t execute = 0;
+};
+
+// The network and how the processing prepares its input. The input tensor must be
+// 1 x inputHeight x inputWidth x 3 floats, the output tensor 3 floats (as in hostModelText).
+struct MeanColourConfig {
+  std::string inputTensor = "image";
+  std::string outputTensor = "mean";
+  uint32_t inputWidth = 224;
+  uint32_t inputHeight = 224;
+  int mean = 128;                                        // subtracted from every 8-bit sample
+  int divisor = 128;                                     // the difference is divided by it
+  TivoraBase::RgbOrder order = TivoraBase::RGB_ORDER_KEEP;
+};
+
+class MeanColourProcessing : public TivoraBase {
+ public:
+  // Debug configuration read at setup from the logger's data directory: "DataDir=<folder>" and
+  // the dump keys "DumpSource" (the host's frame), "DumpNetworkInput" (the RGB picture the network
+  // saw); value "true" switches a dump on. With debugging on, every debug apply also appends the
+  // input record to "input_param.csv" in the data directory.
+  static constexpr const char* kDebugConfigFile = "MeanColourDebug.dat";
+
+  explicit MeanColourProcessing(SNPEMgr::TVRResourceType resourceType, MeanColourConfig config = {});
+  ~MeanColourProcessing() override;
+
+  const char* getProcessingName() override { return "MeanColourProcessing"; }
+
+  // After an apply: the time of each stage, and the RGB888 image the network saw (size.w is three
+  // times the input width). Null before initialize.
+  const StageTimes& lastStageTimes() const { return mTimes; }
+  const tvr_image_buf_t* networkImage() const { return mRgb; }
+
+  // The model text of the bundled network for the NN runtime's host stand-in: the mean of each
+  // channel of a 1 x height x width x 3 input.
+  static std::string hostModelText(uint32_t width, uint32_t height);
+
+ protected:
+  std::string getClassName() override { return "MeanColourProcessing"; }
+
+  tvr_err_t setupImpl(const void* createParam) override;
+  void teardownImpl() override;
+  tvr_err_t initializeImpl(const void* staticParam) override;
+  void finalizeImpl() override;
+  tvr_err_t applyImpl(const void* input, void* output) override;
+  tvr_err_t applyDebugImpl(const void* input, void* output, void* debug) override;
+
+ private:
+  tvr_err_t processFrame(const tvr_input_param_t* input, MeanColourOutput* output, bool dump);
+  tvr_err_t createNetworkBuffers();
+  void deleteNetworkBuffers();
+  void deleteImages();
+
+  static constexpr unsigned int kNetwork = 0;  // the index of the processing's only network
+
+  // The debug object, which also names files in its data directory.
+  class Debug : public DebugBase {
+   public:
+    std::string pathOf(const std::string& name) const { return mDataDir + "/" + name; }
+  };
+
+  MeanColourConfig mConfig;
+  Debug mDebug;
+  StageTimes mTimes;
+  uint32_t mFrames = 0;
+
+  // Network 0's user buffers: the float input (a tensor image record over the buffer's memory)
+  // and the output, registered in the slot's maps at setup.
+  tvr_image_buf_t* mTensor = nullptr;
+  std::array<float, 3> mResult{};
+  Snpe_UserBufferEncoding_Handle_t mEncoding = nullptr;
+  Snpe_IUserBuffer_Handle_t mInputBuffer = nullptr;
+  Snpe_IUserBuffer_Handle_t mOutputBuffer = nullptr;
+
+  // Intermediate images, made at initialize for the stream's crop size and rotation.
+  tvr_image_buf_t* mY = nullptr;  // the crop's luma
+  tvr_image_buf_t* mCC = nullptr;  // the crop's interleaved chroma
+  tvr_image_buf_t* mDownY = nullptr;  // shrunk on each axis where the crop is too large
+  tvr_image_buf_t* mDownCC = nullptr;
+  tvr_image_buf_t* mScaledY = nullptr;  // grown to the network's (unturned) size
+  tvr_image_buf_t* mScaledCC = nullptr;
+  tvr_image_buf_t* mTurnedY = nullptr;  // turned by the input's rotation
+  tvr_image_buf_t* mTurnedCC = nullptr;
+  tvr_image_buf_t* mRgb = nullptr;  // the network's picture, RGB888
+};
+
+}  // namespace tivora::examples
