@@ -60,6 +60,7 @@ tvr_err_t MeanColourProcessing::setupImpl(const void* createParam) {
                          ((mConfig.inputWidth | mConfig.inputHeight) & 1u) == 0;
   if (create->dlc_num < 1 || !evenInput || mConfig.divisor == 0) return TVR_ERR_INVALID_ARG;
   mDebug.loadConfig(kDebugConfigFile);  // optional: dumps stay off without it
+  deleteNetworkBuffers();               // a second setup replaces the buffers of the first
 
   SNPEParam param(create, kNetwork);
   std::vector<std::string> outputs;  // the model's own outputs
