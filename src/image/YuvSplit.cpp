@@ -7,13 +7,14 @@ namespace tivora {
 
 namespace {
 
-// Copies `rows` rows of `bytes` bytes; row r of the source starts at `base` + `start` + r x `stride`
-// (32-bit arithmetic, as the frame's offsets are).
-void copyRows(const uint8_t* base, uint32_t start, uint32_t stride, uint32_t bytes, uint32_t rows,
+// Copies `rows` rows of `bytes` bytes; row r of the source starts at `plane` + `start` + r x `stride`.
+// The sum is 32-bit, as the frame's offsets are, and signed: a crop above the plane's first row
+// (a negative crop y) reads the rows before it instead of wrapping 4 GiB ahead.
+void copyRows(const uint8_t* plane, uint32_t start, uint32_t stride, uint32_t bytes, uint32_t rows,
               const tvr_image_buf_t* destination) {
   for (uint32_t r = 0; r < rows; ++r) {
     image::copyRow(destination->buf.p_base + static_cast<uint32_t>(destination->stride * r),
-                   base + static_cast<uint32_t>(start + r * stride), bytes);
+                   plane + static_cast<int32_t>(start + r * stride), bytes);
   }
 }
 
@@ -52,7 +53,7 @@ tvr_err_t TivoraBase::splitYUV420SP(const tvr_image_buf_t* source, tvr_image_buf
   const auto column = static_cast<uint32_t>(x);
   // Luma ignores offset[0]; chroma starts at offset[1], half the crop's rows down (signed halving).
   copyRows(source->buf.p_base, static_cast<uint32_t>(y) * stride + column, stride, w, h, destinationY);
-  copyRows(source->buf.p_base, source->offset[1] + static_cast<uint32_t>(y / 2) * stride + column, stride, w, h >> 1,
+  copyRows(source->buf.p_base + source->offset[1], static_cast<uint32_t>(y / 2) * stride + column, stride, w, h >> 1,
            destinationCC);
   return TVR_OK;
 }
@@ -97,9 +98,9 @@ tvr_err_t TivoraBase::splitYUV420P(const tvr_image_buf_t* source, tvr_image_buf_
   const uint32_t stride = source->stride;
   const auto lumaStart = static_cast<uint32_t>(y) * stride + static_cast<uint32_t>(x);
   const auto chromaStart = static_cast<uint32_t>(y / 2) * stride + static_cast<uint32_t>(x / 2);
-  copyRows(source->buf.p_base, source->offset[0] + lumaStart, stride, w, h, destinationY);
-  copyRows(source->buf.p_base, source->offset[1] + chromaStart, stride, w >> 1, h >> 1, destinationU);
-  copyRows(source->buf.p_base, source->offset[2] + chromaStart, stride, w >> 1, h >> 1, destinationV);
+  copyRows(source->buf.p_base + source->offset[0], lumaStart, stride, w, h, destinationY);
+  copyRows(source->buf.p_base + source->offset[1], chromaStart, stride, w >> 1, h >> 1, destinationU);
+  copyRows(source->buf.p_base + source->offset[2], chromaStart, stride, w >> 1, h >> 1, destinationV);
   return TVR_OK;
 }
 

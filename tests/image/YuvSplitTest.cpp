@@ -125,6 +125,19 @@ TEST_F(YuvSplitTest, ManyWidthsAndCornersCopyExactlyTheCrop) {
   }
 }
 
+// A crop that starts above the frame's first row (the host's base pointer may sit inside a larger
+// allocation) reads the rows before it; chroma starts at y / 2 rounded toward zero.
+TEST_F(YuvSplitTest, NegativeCropRowReadsTheRowsBeforeThePlane) {
+  Frame frame(TVR_FORMAT_NV12, 64, 24, 4, -3, 16, 8);
+  const uint8_t* memory = frame.memory.data();
+  frame.record.buf.p_base += 4 * 64;  // four rows of the allocation lie before the frame
+  frame.record.offset[1] = 12 * 64;
+  Plane y(16, 8), cc(16, 4);
+  ASSERT_EQ(processing.splitYUV420SP(&frame.record, &y.record, &cc.record), 0);
+  for (uint32_t r = 0; r < 8; ++r) y.expectRow(r, memory + (4 - 3 + r) * 64 + 4, 16);
+  for (uint32_t r = 0; r < 4; ++r) cc.expectRow(r, memory + (4 + 12 - 1 + r) * 64 + 4, 16);
+}
+
 TEST_F(YuvSplitTest, EmptyCropCopiesNothing) {
   Frame frame(TVR_FORMAT_NV12, 64, 8, 0, 0, 0, 0);
   Plane y(0, 0), cc(0, 0), u(0, 0), v(0, 0);
