@@ -3,65 +3,25 @@
 //
 // Usage: tvrtool_view_tests [gtest flags] COMMAND...   (the command that runs tvrtool, with the
 // emulator first in a cross build)
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <png.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
+
+#include "ToolProcess.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-std::vector<std::string> gTool;
-
-struct Result {
-  int status = -1;
-  std::string out, err;
-};
-
-std::string slurp(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-struct Png {
-  uint32_t width = 0, height = 0, channels = 0;
-  std::vector<uint8_t> pixels;
-};
-
-// Decodes a PNG in memory, keeping gray as gray.
-bool decodePng(const std::string& bytes, Png& png) {
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  if (png_image_begin_read_from_memory(&image, bytes.data(), bytes.size()) == 0) return false;
-  png.channels = (image.format & PNG_FORMAT_FLAG_COLOR) != 0 ? 3 : 1;
-  image.format = png.channels == 3 ? PNG_FORMAT_RGB : PNG_FORMAT_GRAY;
-  png.width = image.width;
-  png.height = image.height;
-  png.pixels.resize(static_cast<size_t>(png.width) * png.height * png.channels);
-  const bool ok = png_image_finish_read(&image, nullptr, png.pixels.data(), 0, nullptr) != 0;
-  png_image_free(&image);
-  return ok;
-}
+using tvrtool::test::Png;
+using tvrtool::test::Result;
 
 class ViewTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
-    dir = fs::current_path() / "tvrtool_view" / (std::string(test->test_suite_name()) + "." + test->name());
-    fs::remove_all(dir);
-    fs::create_directories(dir);
-  }
+  void SetUp() override { dir = tvrtool::test::freshCaseDirectory("tvrtool_view"); }
 
   fs::path write(const std::string& name, const std::vector<uint8_t>& bytes) {
     const fs::path path = dir / name;
@@ -70,37 +30,11 @@ class ViewTest : public ::testing::Test {
     return path;
   }
 
-  // Runs tvrtool with `args`, its output and errors caught in files.
-  Result run(const std::vector<std::string>& args) {
-    std::vector<std::string> command = gTool;
-    command.insert(command.end(), args.begin(), args.end());
-    std::vector<char*> argv;
-    for (std::string& arg : command) argv.push_back(arg.data());
-    argv.push_back(nullptr);
-    const fs::path out = dir / "stdout.txt", err = dir / "stderr.txt";
-
-    const pid_t child = fork();
-    if (child == 0) {
-      const int outFd = open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-      const int errFd = open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-      dup2(outFd, 1);
-      dup2(errFd, 2);
-      execvp(argv[0], argv.data());
-      _exit(127);
-    }
-    Result result;
-    int status = 0;
-    if (child > 0 && waitpid(child, &status, 0) == child && WIFEXITED(status)) result.status = WEXITSTATUS(status);
-    result.out = slurp(out);
-    result.err = slurp(err);
-    fs::remove(out);
-    fs::remove(err);
-    return result;
-  }
+  Result run(const std::vector<std::string>& args) { return tvrtool::test::runTool(args, dir); }
 
   Png readPng(const fs::path& path) {
     Png png;
-    EXPECT_TRUE(decodePng(slurp(path), png)) << path;
+    EXPECT_TRUE(tvrtool::test::decodePng(tvrtool::test::slurp(path), png)) << path;
     return png;
   }
 
@@ -249,12 +183,4 @@ TEST_F(ViewTest, HelpIsShownOnStandardOutput) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  ::testing::InitGoogleTest(&argc, argv);
-  gTool.assign(argv + 1, argv + argc);
-  if (gTool.empty()) {
-    std::fprintf(stderr, "usage: %s [gtest flags] COMMAND...\n", argv[0]);
-    return 2;
-  }
-  return RUN_ALL_TESTS();
-}
+int main(int argc, char** argv) { return tvrtool::test::toolTestMain(argc, argv); }

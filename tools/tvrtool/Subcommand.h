@@ -28,5 +28,6 @@ inline int usageError(const std::string& command, const std::string& message) {
 }
 
 const Subcommand& viewCommand();
+const Subcommand& runCommand();
 
 }  // namespace tvrtool

@@ -1,7 +1,5 @@
 // `tvrtool view`: buffer dumps, raw RGB images and float tensors to PNG pictures.
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -10,6 +8,7 @@
 #include "Arguments.h"
 #include "DisplayImage.h"
 #include "DumpName.h"
+#include "FileBytes.h"
 #include "Layout.h"
 #include "PngFile.h"
 #include "Subcommand.h"
@@ -117,38 +116,22 @@ bool readCounts(const Arguments& arguments, LayoutRequest& request, std::string&
 
 std::string defaultOutput(const std::string& input) { return fs::path(input).replace_extension(".png").string(); }
 
-bool readBytes(const std::string& path, std::vector<uint8_t>& bytes, std::string& error) {
-  std::FILE* file = std::fopen(path.c_str(), "rb");
-  if (file == nullptr) {
-    error = std::string("cannot open: ") + std::strerror(errno);
-    return false;
-  }
-  const size_t got = std::fread(bytes.data(), 1, bytes.size(), file);
-  const bool more = std::fgetc(file) != EOF;  // grown since its size was taken
-  std::fclose(file);
-  if (got != bytes.size() || more) error = "the file changed while it was read";
-  return error.empty();
-}
-
 bool viewOne(const std::string& path, const LayoutRequest& request, const std::optional<std::string>& output) {
   std::string error;
   const std::optional<Layout> layout = resolveLayout(parseFileName(path), request, error);
   if (!layout) return refuse(path, error);
 
-  std::error_code code;
-  const fs::file_status status = fs::status(path, code);
-  if (!fs::exists(status)) return refuse(path, "no such file");
-  if (!fs::is_regular_file(status)) return refuse(path, "not a regular file");
-  const uintmax_t size = fs::file_size(path, code);
-  if (code) return refuse(path, "cannot read its size: " + code.message());
-  error = checkFileSize(*layout, size);
+  const std::optional<uint64_t> size = regularFileSize(path, error);
+  if (!size) return refuse(path, error);
+  error = checkFileSize(*layout, *size);
   if (!error.empty()) return refuse(path, error);
 
-  std::vector<uint8_t> bytes(size);
-  if (!readBytes(path, bytes, error)) return refuse(path, error);
+  std::vector<uint8_t> bytes(*size);
+  if (!readExactly(path, bytes, error)) return refuse(path, error);
   const DisplayImage image = toDisplayImage(*layout, bytes.data());
 
   const std::string target = output.value_or(defaultOutput(path));
+  std::error_code code;
   if (target != "-" && fs::equivalent(path, target, code))
     return refuse(path, "the PNG would overwrite the file itself");
   error = writePng(target, image);

@@ -12,7 +12,11 @@ using tvrtool::Subcommand;
 
 // In the order the help lists them.
 const std::vector<const Subcommand*>& subcommands() {
-  static const std::vector<const Subcommand*> all = {&tvrtool::viewCommand()};
+  static const std::vector<const Subcommand*> all = {
+#ifdef TVRTOOL_WITH_RUN  // a build without examples/ has no processing to run
+      &tvrtool::runCommand(),
+#endif
+      &tvrtool::viewCommand()};
   return all;
 }
 
@@ -42,6 +46,7 @@ void printHelp(std::FILE* to) {
       "Run 'tvrtool help COMMAND' or 'tvrtool COMMAND --help' for a command's options.\n"
       "\n"
       "Examples:\n"
+      "  tvrtool run\n"
       "  tvrtool view 5000000000_src_1920x1080.nv12\n"
       "  tvrtool help view\n"
       "\n"

@@ -11,4 +11,8 @@ namespace tvrtool {
 // string; a file that could not be written whole is removed.
 std::string writePng(const std::string& path, const DisplayImage& image);
 
+// Reads any PNG as 8-bit RGB (gray is spread to three channels, alpha is dropped over black).
+// Returns an error message for the user, or an empty string.
+std::string readPng(const std::string& path, DisplayImage& image);
+
 }  // namespace tvrtool
