@@ -13,6 +13,10 @@
 //                                   dumps what it saw (see kDebugConfigFile)
 //   abort / finalize / teardown     finalize frees the images, teardown the network's buffers;
 //                                   both are safe after a failed or skipped setup or initialize
+//
+// Rotation: the image library's turn stage keeps the unturned size in its records, and the colour
+// stage reads that size, so a quarter turn (90 or 270) is only consistent for a square network
+// input; apply refuses a quarter turn of a non-square input with 12.
 #pragma once
 
 #include <time.h>
