@@ -89,10 +89,15 @@ tvr_err_t MeanColourProcessing::createNetworkBuffers() {
 
   mpSNPEMgr->mInputMap[slot] = Snpe_UserBufferMap_Create();
   mpSNPEMgr->mOutputMap[slot] = Snpe_UserBufferMap_Create();
-  Snpe_UserBufferMap_Add(mpSNPEMgr->mInputMap[slot], mConfig.inputTensor.c_str(), mInputBuffer);
-  Snpe_UserBufferMap_Add(mpSNPEMgr->mOutputMap[slot], mConfig.outputTensor.c_str(), mOutputBuffer);
   mpSNPEMgr->mInputBuffers[slot].push_back(mInputBuffer);
   mpSNPEMgr->mOutputBuffers[slot].push_back(mOutputBuffer);
+  // A map the runtime would not make or fill fails the setup now, not the first frame.
+  if (mpSNPEMgr->mInputMap[slot] == nullptr || mpSNPEMgr->mOutputMap[slot] == nullptr ||
+      Snpe_UserBufferMap_Add(mpSNPEMgr->mInputMap[slot], mConfig.inputTensor.c_str(), mInputBuffer) != SNPE_SUCCESS ||
+      Snpe_UserBufferMap_Add(mpSNPEMgr->mOutputMap[slot], mConfig.outputTensor.c_str(), mOutputBuffer) !=
+          SNPE_SUCCESS) {
+    return TVR_ERR_NOT_FOUND;
+  }
   return TVR_OK;
 }
 

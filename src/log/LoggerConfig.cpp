@@ -1,37 +1,22 @@
 // Reading of the logger's configuration file.
 #include <android/log.h>
 
-#include <algorithm>
 #include <fstream>
 #include <string>
 
 #include "SNPE/SNPEUtil.h"
 #include "ScopedTrace.h"
 #include "TivoraLogger.h"
+#include "log/LoggerConfigWords.h"
 
 namespace tivora {
-
-namespace {
-
-// The value after "key=" when the line holds it; `length` 0 takes the rest of the line.
-bool valueOf(const std::string& line, const std::string& keyWithEquals, std::string::size_type length,
-             std::string& value) {
-  const auto position = line.find(keyWithEquals);
-  if (position == std::string::npos) return false;
-  value = line.substr(position + keyWithEquals.size(), length == 0 ? std::string::npos : length);
-  return true;
-}
-
-}  // namespace
 
 void TivoraLogger::setup() {
   // These messages bypass the level check on purpose: they state what the configuration did.
   static const char kClass[] = "TivoraLogger";
   static const char kFunction[] = "setup";
 
-  std::string levelWord = "I";
-  std::string traceWord = "false";
-  std::string snpeLevelWord = "E";
+  detail::LoggerConfigWords words;
 
   std::ifstream file;
   for (const std::string* dir : {&mConfigDir, &mConfigDirFallback}) {
@@ -46,35 +31,25 @@ void TivoraLogger::setup() {
   }
 
   if (file.is_open()) {
-    const std::string levelKey = mLogLevelKey + "=";
-    const std::string traceKey = mTraceKey + "=";
-    const std::string snpeLevelKey = mSnpeLogLevelKey + "=";
-    std::string line;
-    while (std::getline(file, line)) {
-      line.erase(std::remove(line.begin(), line.end(), ' '), line.end());
-      // Keys are tried in this order and a line sets at most one word.
-      if (valueOf(line, levelKey, 1, levelWord)) continue;
-      if (valueOf(line, traceKey, 0, traceWord)) continue;
-      valueOf(line, snpeLevelKey, 1, snpeLevelWord);
-    }
+    detail::readLoggerConfigWords(file, {mLogLevelKey, mTraceKey, mSnpeLogLevelKey}, words);
     file.close();
 
-    const auto level = mLogLevelMap.find(levelWord);
+    const auto level = mLogLevelMap.find(words.level);
     if (level != mLogLevelMap.end()) {
       mLogLevel = level->second;
-      logPrint(kClass, kFunction, ANDROID_LOG_INFO, "Log level is set: %s", levelWord.c_str());
+      logPrint(kClass, kFunction, ANDROID_LOG_INFO, "Log level is set: %s", words.level.c_str());
     } else {
-      logPrint(kClass, kFunction, ANDROID_LOG_WARN, "Unsupported log level %s", levelWord.c_str());
+      logPrint(kClass, kFunction, ANDROID_LOG_WARN, "Unsupported log level %s", words.level.c_str());
     }
 
-    const auto trace = mBoolMap.find(traceWord);
+    const auto trace = mBoolMap.find(words.trace);
     if (trace != mBoolMap.end() && trace->second) gTracingOn = true;
   }
 
-  const auto snpeLevel = mLogLevelMap.find(snpeLevelWord);
+  const auto snpeLevel = mLogLevelMap.find(words.snpeLevel);
   const int runtimeLevel = snpeLevel != mLogLevelMap.end() ? convert(snpeLevel->second) : 1;
   if (Snpe_Util_InitializeLogging(static_cast<Snpe_LogLevel_t>(runtimeLevel))) {
-    logPrint(kClass, kFunction, ANDROID_LOG_INFO, "Snpe log level is set: %s", snpeLevelWord.c_str());
+    logPrint(kClass, kFunction, ANDROID_LOG_INFO, "Snpe log level is set: %s", words.snpeLevel.c_str());
   }
 }
 

@@ -129,3 +129,21 @@ TEST_F(BufferDumpTest, DumpBufferRefusalsCreateNoFile) {
 }
 
 }  // namespace
+
+// Dump folders that cannot take a file, as the tests' root user meets them (root ignores
+// permission bits, so "read-only" is a folder that is not there, lies under a regular file, or was
+// replaced by one): each dump writes nothing and the caller goes on.
+TEST_F(BufferDumpTest, FoldersThatCannotTakeAFileGetNoDumpAndNoComplaint) {
+  const std::string file = kDumpDir + "/plain_file";
+  tivora::test::writeFile(file, "x");
+  const std::string replaced = std::string(TIVORA_PATH_PREFIX) + "/replaced";
+  tivora::test::writeFile(replaced, "was a folder");
+  for (const std::string& dir : {kDumpDir + "/missing", file + "/below", replaced}) {
+    ArmedDebug unwritable(dir, DebugConfig{{"DumpSource", "true"}});
+    unwritable.dumpBufferByKey("src", &frame.record, "DumpSource", "nv12");
+    unwritable.dumpBuffer(dir + "/bytes.bin", frame.memory.data(), 4);
+    EXPECT_FALSE(fs::is_directory(dir)) << dir;
+  }
+  EXPECT_EQ(filesIn(kDumpDir), std::vector<std::string>{"plain_file"});
+  EXPECT_EQ(tivora::test::readFile(replaced), "was a folder");
+}

@@ -3,12 +3,14 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "DeviceFiles.h"
 #include "FreshProcess.h"
+#include "LogCapture.h"
 #include "ScopedTrace.h"
 #include "TivoraLogger.h"
 
@@ -139,6 +141,25 @@ TEST_F(TraceMarkerTest, FirstPathIsTriedBeforeTheDebugPathWhileNoneIsOpen) {
     tivora::ftraceBegin("C", "kept");
     EXPECT_EQ(readMarkers(kTraceMarker), (Markers{marker('B', "C", "kept")}));
     EXPECT_EQ(tivora::test::readFile(kDebugTraceMarker), "");
+  });
+}
+
+// A marker file that opens but refuses every write (/dev/full: no space left), and a first path
+// that lies under a regular file: markers are dropped, nothing is logged, the scope goes on.
+TEST_F(TraceMarkerTest, MarkersThatCannotBeWrittenAreDroppedSilently) {
+  enableTracing();
+  tivora::test::writeFile(std::filesystem::path(kTraceMarker).parent_path().string(),
+                          "a file where tracefs would be");
+  std::filesystem::create_directories(std::filesystem::path(kDebugTraceMarker).parent_path());
+  std::filesystem::create_symlink("/dev/full", kDebugTraceMarker);
+  inFreshProcess([] {
+    TivoraLogger::getInstance();
+    tivora::test::LogCapture capture;
+    for (int i = 0; i < 3; ++i) {
+      ScopedTrace trace("C", "apply");
+    }
+    EXPECT_NE(tivora::getTraceFd(), -1) << "the debug path opened";
+    EXPECT_TRUE(capture.texts().empty());
   });
 }
 
