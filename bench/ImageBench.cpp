@@ -12,10 +12,10 @@
 #include <atomic>
 #include <cstdio>
 #include <cstring>
-#include <map>
 #include <string>
 #include <vector>
 
+#include "MedianReporter.h"
 #include "TivoraBase.h"
 #include "fastcv_stub/FastcvControl.h"
 
@@ -227,19 +227,9 @@ void BM_Nv12ToRgb(benchmark::State& state) {
 BENCHMARK(BM_Nv12ToRgb)->ArgName("allstages")->Arg(0)->Arg(1);
 
 // Prints the usual table, then each operation as a ratio to its baseline of the same run.
-class RatioReporter : public benchmark::ConsoleReporter {
+class RatioReporter : public tivora::bench::MedianReporter {
  public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    ConsoleReporter::ReportRuns(runs);
-    for (const Run& run : runs) {
-      // One figure per benchmark: the median when repetitions are asked for, else the single run.
-      if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median") {
-        nanos_[run.run_name.str()] = run.GetAdjustedRealTime();
-      } else if (run.run_type == Run::RT_Iteration && run.repetitions <= 1) {
-        nanos_[run.benchmark_name()] = run.GetAdjustedRealTime();
-      }
-    }
-  }
+  RatioReporter() : MedianReporter(Clock::kReal) {}
   void Finalize() override {
     ConsoleReporter::Finalize();
     std::printf("\n%-32s %-24s %8s  %s\n", "operation", "baseline", "ratio", "goal");
@@ -253,10 +243,10 @@ class RatioReporter : public benchmark::ConsoleReporter {
 
  private:
   void row(const std::string& name, const std::string& baseline, const char* goal) {
-    if (nanos_.count(name) == 0 || nanos_.count(baseline) == 0) return;  // filtered out
-    std::printf("%-32s %-24s %8.2f  %s\n", name.c_str(), baseline.c_str(), nanos_[name] / nanos_[baseline], goal);
+    const auto subject = nanos().find(name), base = nanos().find(baseline);
+    if (subject == nanos().end() || base == nanos().end()) return;  // filtered out
+    std::printf("%-32s %-24s %8.2f  %s\n", name.c_str(), baseline.c_str(), subject->second / base->second, goal);
   }
-  std::map<std::string, double> nanos_;
 };
 
 }  // namespace

@@ -12,7 +12,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <map>
 #include <mutex>
 #include <new>
 #include <string>
@@ -26,6 +25,7 @@
 #include "SNPE/SNPE.h"
 #include "SNPE/SNPEBuilder.h"
 #include "SNPE/SNPEUtil.h"
+#include "MedianReporter.h"
 #include "ScopedTrace.h"
 #include "TivoraBase.h"
 #include "snpe_stub/SnpeControl.h"
@@ -203,31 +203,22 @@ void BM_CreateSNPEReused(benchmark::State& state) {
 BENCHMARK(BM_CreateSNPEReused)->ArgNames({"tracing", "infolog"})->ArgsProduct({{0, 1}, {0, 1}});
 
 // Prints the usual table, then every result as a ratio to the two baselines of the same run.
-class RatioReporter : public benchmark::ConsoleReporter {
+class RatioReporter : public tivora::bench::MedianReporter {
  public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    ConsoleReporter::ReportRuns(runs);
-    for (const Run& run : runs) {
-      // One figure per benchmark: the median when repetitions are asked for, else the single run.
-      if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median") {
-        nanos_[run.run_name.str()] = run.GetAdjustedCPUTime();
-      } else if (run.run_type == Run::RT_Iteration && run.repetitions <= 1) {
-        nanos_[run.benchmark_name()] = run.GetAdjustedCPUTime();
-      }
-    }
-  }
+  RatioReporter() : MedianReporter(Clock::kCpu) {}
   void Finalize() override {
     ConsoleReporter::Finalize();
-    const double call = nanos_["BM_PlainVirtualCall"];
-    const double mutex = nanos_["BM_UncontendedMutex"];
+    const auto figure = [this](const char* name) {
+      const auto found = nanos().find(name);
+      return found == nanos().end() ? 0.0 : found->second;
+    };
+    const double call = figure("BM_PlainVirtualCall");
+    const double mutex = figure("BM_UncontendedMutex");
     std::printf("\n%-44s %10s %14s %10s\n", "per-frame path", "ns", "x virtual call", "x mutex");
-    for (const auto& [name, ns] : nanos_) {
+    for (const auto& [name, ns] : nanos()) {
       std::printf("%-44s %10.1f %14.1f %10.1f\n", name.c_str(), ns, ns / call, ns / mutex);
     }
   }
-
- private:
-  std::map<std::string, double> nanos_;
 };
 
 }  // namespace

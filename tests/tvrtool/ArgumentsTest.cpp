@@ -8,17 +8,17 @@ namespace {
 using tvrtool::Arguments;
 using tvrtool::parseArguments;
 
-const std::vector<tvrtool::OptionSpec> kSpecs = {{"width", 0, true}, {"output", 'o', true}, {"help", 'h', false}};
+const std::vector<tvrtool::OptionDefinition> kDefinitions = {{"width", 0, true}, {"output", 'o', true}, {"help", 'h', false}};
 
 Arguments parsed(const std::vector<std::string>& args) {
   Arguments result;
-  EXPECT_EQ(parseArguments(args, kSpecs, result), "");
+  EXPECT_EQ(parseArguments(args, kDefinitions, result), "");
   return result;
 }
 
 std::string errorOf(const std::vector<std::string>& args) {
   Arguments result;
-  return parseArguments(args, kSpecs, result);
+  return parseArguments(args, kDefinitions, result);
 }
 
 TEST(ArgumentsTest, EveryValueFormReachesTheLongName) {

@@ -19,7 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::vector<OptionSpec> kOptions = {
+const std::vector<OptionDefinition> kOptions = {
     {"format", 'f', true}, {"width", 0, true},    {"height", 0, true},  {"stride", 0, true},
     {"scanline", 0, true}, {"output", 'o', true}, {"help", 'h', false},
 };

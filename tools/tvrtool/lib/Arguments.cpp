@@ -4,23 +4,23 @@ namespace tvrtool {
 
 namespace {
 
-const OptionSpec* findLong(const std::vector<OptionSpec>& specs, const std::string& name) {
-  for (const OptionSpec& spec : specs) {
-    if (spec.longName == name) return &spec;
+const OptionDefinition* findLong(const std::vector<OptionDefinition>& definitions, const std::string& name) {
+  for (const OptionDefinition& definition : definitions) {
+    if (definition.longName == name) return &definition;
   }
   return nullptr;
 }
 
-const OptionSpec* findShort(const std::vector<OptionSpec>& specs, char name) {
-  for (const OptionSpec& spec : specs) {
-    if (spec.shortName != 0 && spec.shortName == name) return &spec;
+const OptionDefinition* findShort(const std::vector<OptionDefinition>& definitions, char name) {
+  for (const OptionDefinition& definition : definitions) {
+    if (definition.shortName != 0 && definition.shortName == name) return &definition;
   }
   return nullptr;
 }
 
 }  // namespace
 
-std::string parseArguments(const std::vector<std::string>& args, const std::vector<OptionSpec>& specs,
+std::string parseArguments(const std::vector<std::string>& args, const std::vector<OptionDefinition>& definitions,
                            Arguments& result) {
   bool optionsEnded = false;
   for (size_t i = 0; i < args.size(); ++i) {
@@ -39,21 +39,21 @@ std::string parseArguments(const std::vector<std::string>& args, const std::vect
     const std::string::size_type equals = isLong ? arg.find('=') : std::string::npos;
     const std::string name =
         isLong ? arg.substr(2, equals == std::string::npos ? std::string::npos : equals - 2) : arg.substr(1, 1);
-    const OptionSpec* spec = isLong ? findLong(specs, name) : findShort(specs, arg[1]);
+    const OptionDefinition* definition = isLong ? findLong(definitions, name) : findShort(definitions, arg[1]);
     const std::string shown = isLong ? "--" + name : "-" + name;
-    if (spec == nullptr) return "unknown option '" + shown + "'";
+    if (definition == nullptr) return "unknown option '" + shown + "'";
 
-    if (!spec->takesValue) {
+    if (!definition->takesValue) {
       if (equals != std::string::npos || (!isLong && arg.size() > 2)) return "option '" + shown + "' takes no value";
-      result.options[spec->longName] = "";
+      result.options[definition->longName] = "";
       continue;
     }
     if (equals != std::string::npos) {
-      result.options[spec->longName] = arg.substr(equals + 1);
+      result.options[definition->longName] = arg.substr(equals + 1);
     } else if (!isLong && arg.size() > 2) {
-      result.options[spec->longName] = arg.substr(2);
+      result.options[definition->longName] = arg.substr(2);
     } else if (i + 1 < args.size()) {
-      result.options[spec->longName] = args[++i];
+      result.options[definition->longName] = args[++i];
     } else {
       return "option '" + shown + "' needs a value";
     }

@@ -10,7 +10,7 @@
 
 namespace tvrtool {
 
-struct OptionSpec {
+struct OptionDefinition {
   std::string longName;  // without the leading "--"
   char shortName;        // 0 when the option has none
   bool takesValue;
@@ -23,9 +23,9 @@ struct Arguments {
   bool has(const std::string& longName) const { return options.count(longName) != 0; }
 };
 
-// Parses `args` against `specs`. Returns an error message for the user (an unknown option, a
+// Parses `args` against `definitions`. Returns an error message for the user (an unknown option, a
 // missing value), or an empty string.
-std::string parseArguments(const std::vector<std::string>& args, const std::vector<OptionSpec>& specs,
+std::string parseArguments(const std::vector<std::string>& args, const std::vector<OptionDefinition>& definitions,
                            Arguments& result);
 
 // A decimal count from 1 to `max`, digits only; nothing otherwise.

@@ -67,14 +67,14 @@ std::string readRuntime(const std::string& name, Runtime& runtime) {
 
 }  // namespace
 
-const std::vector<OptionSpec>& runOptionSpecs() {
-  static const std::vector<OptionSpec> specs = {
+const std::vector<OptionDefinition>& runOptionDefinitions() {
+  static const std::vector<OptionDefinition> definitions = {
       {"width", 0, true},     {"height", 0, true}, {"stride", 0, true},  {"scanline", 0, true}, {"rotation", 'r', true},
       {"crop", 0, true},      {"input-size", 0, true}, {"model", 'm', true}, {"runtime", 0, true},
       {"frames", 'n', true},  {"debug", 0, true},  {"trace", 0, true},   {"output", 'o', true},
       {"help", 'h', false},
   };
-  return specs;
+  return definitions;
 }
 
 std::optional<CropRect> parseCrop(const std::string& text) {
@@ -98,7 +98,7 @@ bool parseInputSize(const std::string& text, uint32_t& width, uint32_t& height) 
 
 std::string parseRunOptions(const std::vector<std::string>& args, RunOptions& options) {
   Arguments arguments;
-  std::string error = parseArguments(args, runOptionSpecs(), arguments);
+  std::string error = parseArguments(args, runOptionDefinitions(), arguments);
   if (!error.empty()) return error;
   options.help = arguments.has("help");
   if (options.help) return "";

@@ -41,7 +41,7 @@ struct RunOptions {
 inline constexpr uint32_t kMaxFrames = 1000000;
 inline constexpr uint32_t kMaxInputSide = 4096;
 
-const std::vector<OptionSpec>& runOptionSpecs();
+const std::vector<OptionDefinition>& runOptionDefinitions();
 
 // Reads `args` into `options`; returns a message for the user when they are wrong, else "".
 std::string parseRunOptions(const std::vector<std::string>& args, RunOptions& options);

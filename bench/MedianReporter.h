@@ -1,0 +1,40 @@
+// A console reporter that also keeps one figure per benchmark, for the ratio tables the benchmark
+// programs print after the usual output: the median when repetitions are asked for, else the
+// single run.
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace tivora::bench {
+
+class MedianReporter : public benchmark::ConsoleReporter {
+ public:
+  enum class Clock { kCpu, kReal };
+  explicit MedianReporter(Clock clock) : mClock(clock) {}
+
+  void ReportRuns(const std::vector<Run>& runs) override {
+    ConsoleReporter::ReportRuns(runs);
+    for (const Run& run : runs) {
+      const double ns = mClock == Clock::kCpu ? run.GetAdjustedCPUTime() : run.GetAdjustedRealTime();
+      if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median") {
+        mNanos[run.run_name.str()] = ns;
+      } else if (run.run_type == Run::RT_Iteration && run.repetitions <= 1) {
+        mNanos[run.benchmark_name()] = ns;
+      }
+    }
+  }
+
+ protected:
+  // Nanoseconds per iteration by benchmark name; a benchmark filtered out is absent.
+  const std::map<std::string, double>& nanos() const { return mNanos; }
+
+ private:
+  Clock mClock;
+  std::map<std::string, double> mNanos;
+};
+
+}  // namespace tivora::bench
