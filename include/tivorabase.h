@@ -7,6 +7,7 @@
 #include "ScopedTrace.h"
 #include "TivoraBase.h"
 #include "TivoraLogger.h"
+#include "TivoraPlugin.h"
 #include "TivoraUtil.h"
 #include "hvx/IProcessing.h"
 #include "tvr_types.h"
