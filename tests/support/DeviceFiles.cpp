@@ -1,5 +1,6 @@
 #include "DeviceFiles.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -23,11 +24,17 @@ void writeFile(const std::string& path, const std::string& content) {
   ASSERT_TRUE(out.good()) << "cannot write " << path;
 }
 
-void createEmptyFile(const std::string& path) { writeFile(path, ""); }
-
 std::string readFile(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+std::vector<std::string> filesIn(const std::string& dir) {
+  std::vector<std::string> names;
+  std::error_code ignored;
+  for (const auto& entry : fs::directory_iterator(dir, ignored)) names.push_back(entry.path().filename().string());
+  std::sort(names.begin(), names.end());
+  return names;
 }
 
 std::string loggerConfigPath(const char* dir) { return std::string(dir) + "/VEXA_TVR.dat"; }
@@ -35,20 +42,12 @@ std::string loggerConfigPath(const char* dir) { return std::string(dir) + "/VEXA
 std::vector<std::string> readMarkers(const std::string& path) {
   const std::string all = readFile(path);
   std::vector<std::string> markers;
-  std::string::size_type start = 0;
-  while (start < all.size()) {
-    std::string::size_type end = start;
-    for (;;) {
+  for (std::string::size_type start = 0, end = 0; start < all.size(); start = end) {
+    do {
       end = all.find("|0", end);
-      if (end == std::string::npos) {
-        end = all.size();
-        break;
-      }
-      end += 2;
-      if (end == all.size() || all.compare(end, 2, "B|") == 0 || all.compare(end, 2, "E|") == 0) break;
-    }
+      end = end == std::string::npos ? all.size() : end + 2;
+    } while (end < all.size() && all.compare(end, 2, "B|") != 0 && all.compare(end, 2, "E|") != 0);
     markers.push_back(all.substr(start, end - start));
-    start = end;
   }
   return markers;
 }

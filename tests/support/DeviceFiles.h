@@ -18,11 +18,11 @@ void wipeDevice();
 // Writes `content` to `path` (a prefixed path from DevicePaths.h), creating its directories.
 void writeFile(const std::string& path, const std::string& content);
 
-// Creates `path` as an empty regular file, as tracefs offers an empty trace_marker.
-void createEmptyFile(const std::string& path);
-
 // Whole content of a file; empty when it does not exist.
 std::string readFile(const std::string& path);
+
+// Names of the entries of a directory, sorted; none when it does not exist.
+std::vector<std::string> filesIn(const std::string& dir);
 
 // "<dir>/VEXA_TVR.dat" for one of the two configuration directories.
 std::string loggerConfigPath(const char* dir);

@@ -33,22 +33,18 @@ std::vector<std::string> LogCapture::texts() const {
 
 }  // namespace tivora::test
 
+// The library's records are at most a prefix and 1023 characters of message.
 extern "C" __attribute__((visibility("default"))) int __android_log_print(int prio, const char* tag, const char* fmt,
                                                                           ...) {
+  char text[4096];
   va_list args;
   va_start(args, fmt);
-  va_list length_args;
-  va_copy(length_args, args);
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
-  const int length = vsnprintf(nullptr, 0, fmt, length_args);
-  std::string text(length > 0 ? static_cast<size_t>(length) : 0, '\0');
-  if (length > 0) vsnprintf(text.data(), text.size() + 1, fmt, args);
+  if (vsnprintf(text, sizeof text, fmt, args) < 0) text[0] = '\0';
 #pragma GCC diagnostic pop
-  va_end(length_args);
   va_end(args);
-
   std::lock_guard<std::mutex> guard(tivora::test::gLock);
-  tivora::test::store().push_back(tivora::test::LogRecord{prio, tag != nullptr ? tag : "", std::move(text)});
+  tivora::test::store().push_back(tivora::test::LogRecord{prio, tag != nullptr ? tag : "", text});
   return 1;
 }

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "TivoraLogger.h"
+
 namespace tivora::test {
 
 struct LogRecord {
@@ -21,6 +23,20 @@ class LogCapture {
   std::vector<LogRecord> records() const;
   // Texts only, for the common case of comparing the messages in order.
   std::vector<std::string> texts() const;
+};
+
+// Sets the process logger's threshold for a scope; the previous one comes back at its end.
+class ScopedLogLevel {
+ public:
+  explicit ScopedLogLevel(TivoraLogger::tvr_loglevel_t level) : mPrevious(TivoraLogger::getInstance()->getLogLevel()) {
+    TivoraLogger::getInstance()->setLogLevel(level);
+  }
+  ~ScopedLogLevel() { TivoraLogger::getInstance()->setLogLevel(mPrevious); }
+  ScopedLogLevel(const ScopedLogLevel&) = delete;
+  ScopedLogLevel& operator=(const ScopedLogLevel&) = delete;
+
+ private:
+  TivoraLogger::tvr_loglevel_t mPrevious;
 };
 
 }  // namespace tivora::test

@@ -26,26 +26,15 @@ class RecordingProcessing : public TivoraBase {
   // Called inside every hook with its name.
   std::function<void(const std::string&)> onHook;
 
-  // Not ready: as if the manager had not been bound. `alsoLogger` drops the stored logger too.
-  void unbind(bool alsoLogger = false) {
-    mpSNPEMgr = nullptr;
-    if (alsoLogger) mpLogger = nullptr;
-  }
+  // Not ready: as if the manager had not been bound.
+  void unbind() { mpSNPEMgr = nullptr; }
 
   const char* getProcessingName() override { return "RecordingProcessing"; }
 
-  using TivoraBase::convertNv12ToRgb888;
-  using TivoraBase::convertRGB888ToFloat;
-  using TivoraBase::createImageBuf;
-  using TivoraBase::createSNPE;
-  using TivoraBase::deleteImageBuf;
-  using TivoraBase::deleteSNPE;
-  using TivoraBase::executeSNPE;
-  using TivoraBase::getInputBufferName;
-  using TivoraBase::getModelVersion;
-  using TivoraBase::getOutputBufferName;
-  using TivoraBase::splitYUV420P;
-  using TivoraBase::splitYUV420SP;
+  using TivoraBase::convertNv12ToRgb888, TivoraBase::convertRGB888ToFloat, TivoraBase::splitYUV420P,
+      TivoraBase::splitYUV420SP, TivoraBase::createImageBuf, TivoraBase::deleteImageBuf;
+  using TivoraBase::createSNPE, TivoraBase::deleteSNPE, TivoraBase::executeSNPE, TivoraBase::getModelVersion,
+      TivoraBase::getInputBufferName, TivoraBase::getOutputBufferName;
 
  protected:
   std::string getClassName() override { return "RecordingProcessing"; }

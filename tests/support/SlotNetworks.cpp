@@ -22,41 +22,21 @@ SNPEParam paramFor(const std::string& path) {
   return param;
 }
 
-SlotBuffers::SlotBuffers(SNPEMgr* manager, unsigned int slot, const std::vector<Tensor>& inputs,
-                         const std::vector<Tensor>& outputs)
+SlotBuffers::SlotBuffers(SNPEMgr* manager, unsigned int slot, bool withOutput)
     : mManager(manager), mSlot(slot), mEncoding(Snpe_UserBufferEncodingFloat_Create()) {
-  mInputMemory.reserve(inputs.size());
-  mOutputMemory.reserve(outputs.size());
-  for (const Tensor& tensor : inputs) add(tensor, manager->mInputMap[slot], manager->mInputBuffers[slot], mInputMemory);
-  for (const Tensor& tensor : outputs) {
-    add(tensor, manager->mOutputMap[slot], manager->mOutputBuffers[slot], mOutputMemory);
-  }
-  // Maps are made even when empty, as a processing with no tensors of a kind would have them.
-  if (manager->mInputMap[slot] == nullptr) manager->mInputMap[slot] = Snpe_UserBufferMap_Create();
-  if (manager->mOutputMap[slot] == nullptr) manager->mOutputMap[slot] = Snpe_UserBufferMap_Create();
+  manager->mInputMap[slot] = Snpe_UserBufferMap_Create();
+  manager->mOutputMap[slot] = Snpe_UserBufferMap_Create();
+  // Packed byte strides of 1x4x5x3 and 1x3 floats.
+  add(manager->mInputMap[slot], manager->mInputBuffers[slot], "image", image, {240, 60, 12, 4});
+  if (withOutput) add(manager->mOutputMap[slot], manager->mOutputBuffers[slot], "mean", mean, {12, 4});
 }
 
-void SlotBuffers::add(const Tensor& tensor, Snpe_UserBufferMap_Handle_t& map,
-                      std::vector<Snpe_IUserBuffer_Handle_t>& buffers, std::vector<std::vector<float>>& memory) {
-  size_t elements = 1;
-  for (size_t dim : tensor.dims) elements *= dim;
-  memory.emplace_back(elements, 0.0f);
-
-  // Packed byte strides, the last dimension fastest.
-  std::vector<size_t> strides(tensor.dims.size());
-  size_t stride = sizeof(float);
-  for (size_t i = tensor.dims.size(); i-- > 0;) {
-    strides[i] = stride;
-    stride *= tensor.dims[i];
-  }
-  Snpe_TensorShape_Handle_t strideShape = Snpe_TensorShape_CreateDimsSize(strides.data(), strides.size());
-  Snpe_IUserBuffer_Handle_t buffer =
-      Snpe_Util_CreateUserBuffer(memory.back().data(), elements * sizeof(float), strideShape, mEncoding);
-  Snpe_TensorShape_Delete(strideShape);
-
-  if (map == nullptr) map = Snpe_UserBufferMap_Create();
-  Snpe_UserBufferMap_Add(map, tensor.name.c_str(), buffer);
-  buffers.push_back(buffer);
+void SlotBuffers::add(Snpe_UserBufferMap_Handle_t map, std::vector<Snpe_IUserBuffer_Handle_t>& buffers,
+                      const char* name, std::vector<float>& memory, std::vector<size_t> strides) {
+  Snpe_TensorShape_Handle_t shape = Snpe_TensorShape_CreateDimsSize(strides.data(), strides.size());
+  buffers.push_back(Snpe_Util_CreateUserBuffer(memory.data(), memory.size() * sizeof(float), shape, mEncoding));
+  Snpe_TensorShape_Delete(shape);
+  Snpe_UserBufferMap_Add(map, name, buffers.back());
 }
 
 SlotBuffers::~SlotBuffers() {
