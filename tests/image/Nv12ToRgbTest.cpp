@@ -128,10 +128,6 @@ TEST(Nv12ToRgbTest, RefusalsStopBeforeTheStageTheyRefuse) {
     EXPECT_EQ(convert(Pair(r.source), rgb, r.rotation, Pair(r.down), Pair(r.up), Pair(r.turned)), 12) << i;
     EXPECT_EQ(fastcv_stub::journal().size(), r.callsBefore) << "refusal " << i;
   }
-  Pair noChroma({64, 48, 64, 24});
-  noChroma.cc.reset();
-  Plane rgb(192, 48);
-  EXPECT_EQ(convert(noChroma, rgb, TVR_ROTATION_0), 12);
 }
 
 }  // namespace

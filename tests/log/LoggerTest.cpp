@@ -26,36 +26,31 @@ class LoggerTest : public ::testing::Test {
 
 TEST_F(LoggerTest, RecordCarriesTheTagOfItsPriorityClassAndFunction) {
   LogCapture capture;
-  const std::vector<std::pair<int, std::string>> tags = {{2, "[TVR VERBOSE]"}, {3, "[TVR DEBUG]"}, {4, "[TVR INFO]"},
-                                                         {5, "[TVR WARN]"},    {6, "[TVR ERROR]"}, {7, "[TVR LOG]"},
-                                                         {0, "[TVR LOG]"}};
   logger->setLogLevel(static_cast<Level>(5));  // logPrint itself makes no level check
-  for (const auto& [priority, tag] : tags) logger->logPrint("Cls", "fn", priority, "n=%d", priority);
-  logger->logPrint("C", "f", 4, "%s", std::string(3000, 'm').c_str());
-  const auto records = capture.records();
-  ASSERT_EQ(records.size(), tags.size() + 1);
-  for (size_t i = 0; i < tags.size(); ++i) {
-    EXPECT_EQ(records[i].priority, tags[i].first);
-    EXPECT_EQ(records[i].tag, "TVR");
-    EXPECT_EQ(records[i].text, tags[i].second + " Cls.fn: n=" + std::to_string(tags[i].first));
+  std::vector<std::string> expected;
+  for (const auto& [priority, tag] : std::vector<std::pair<int, std::string>>{
+           {2, "VERBOSE"}, {3, "DEBUG"}, {4, "INFO"}, {5, "WARN"}, {6, "ERROR"}, {7, "LOG"}, {0, "LOG"}}) {
+    logger->logPrint("Cls", "fn", priority, "n=%d", priority);
+    expected.push_back("[TVR " + tag + "] Cls.fn: n=" + std::to_string(priority));
   }
-  EXPECT_EQ(records.back().text, "[TVR INFO] C.f: " + std::string(1023, 'm'));
+  logger->logPrint("C", "f", 4, "%s", std::string(3000, 'm').c_str());
+  expected.push_back("[TVR INFO] C.f: " + std::string(1023, 'm'));
+  EXPECT_EQ(capture.texts(), expected);
+  std::vector<int> priorities;
+  for (const auto& record : capture.records()) priorities.push_back(record.tag == "TVR" ? record.priority : -1);
+  EXPECT_EQ(priorities, (std::vector<int>{2, 3, 4, 5, 6, 7, 0, 4}));
 }
 
-TEST_F(LoggerTest, ThresholdPassesItsOwnLevelAndAbove) {
+// The threshold passes its own level and above; each level has its level of the NN runtime.
+TEST_F(LoggerTest, ThresholdAndRuntimeLevels) {
+  const int runtimeLevels[] = {1, 4, 4, 3, 2, 1, 1};  // for the levels -1 .. 5
   for (int threshold = -1; threshold <= 5; ++threshold) {
     logger->setLogLevel(static_cast<Level>(threshold));
     EXPECT_EQ(logger->getLogLevel(), threshold);
     for (int level = 0; level <= 4; ++level) {
       EXPECT_EQ(logger->isLogEnabled(static_cast<Level>(level)), threshold <= level) << threshold << " " << level;
     }
-  }
-}
-
-TEST_F(LoggerTest, LevelsConvertToTheRuntimesLevels) {
-  for (const auto& [level, runtime] :
-       std::vector<std::pair<int, int>>{{0, 4}, {1, 4}, {2, 3}, {3, 2}, {4, 1}, {5, 1}, {-1, 1}}) {
-    EXPECT_EQ(logger->convert(static_cast<Level>(level)), runtime) << level;
+    EXPECT_EQ(logger->convert(static_cast<Level>(threshold)), runtimeLevels[threshold + 1]) << threshold;
   }
 }
 
@@ -77,31 +72,25 @@ TEST_F(LoggerTest, SuppressedMessageEvaluatesAndFormatsNothing) {
 }
 
 // The configuration reader: file content, and the level, trace and runtime level words it gives.
-struct WordsCase {
-  std::string content, level, trace, snpeLevel;
-};
-
 TEST(LoggerConfigWords, LinesSetTheWords) {
-  const WordsCase cases[] = {
-      {"", "I", "false", "E"},
-      {"TivoraLogLevel=D\nTivoraTrace=enable\nSNPELogLevel=V\n", "D", "enable", "V"},
-      {" Tivora LogLevel  =  W \n TivoraTrace = true", "W", "true", "E"},       // blanks anywhere removed
-      {"TivoraLogLevel=WARN\nSNPELogLevel=Debug\n", "W", "false", "D"},         // one character counts
-      {"TivoraLogLevel=E\nTivoraLogLevel=V\n", "V", "false", "E"},              // the later line wins
-      {"set.TivoraLogLevel=V;\n#TivoraTrace=on\n", "V", "on", "E"},             // anywhere, no comments
-      {"TivoraLogLevel=\tD\r\nTivoraTrace=enable\r\n", "\t", "enable\r", "E"},  // only blanks go
-      {"TivoraLogLevel D\nTivoraLogLevel=\n", "", "false", "E"},                // '=' needed, empty kept
-      {"TivoraLogLevel=DTivoraTrace=true\n", "D", "false", "E"},                // level key first
-      {"TivoraTrace=trueSNPELogLevel=V\n", "I", "trueSNPELogLevel=V", "E"},     // then the trace key
-      {std::string(1 << 20, 'x') + "TivoraLogLevel=D", "D", "false", "E"},
+  const std::pair<std::string, std::string> cases[] = {
+      {"", "I false E"},
+      {"TivoraLogLevel=D\nTivoraTrace=enable\nSNPELogLevel=V\n", "D enable V"},
+      {" Tivora LogLevel  =  W \n TivoraTrace = true", "W true E"},       // blanks anywhere removed
+      {"TivoraLogLevel=WARN\nSNPELogLevel=Debug\n", "W false D"},         // one character counts
+      {"TivoraLogLevel=E\nTivoraLogLevel=V\n", "V false E"},              // the later line wins
+      {"set.TivoraLogLevel=V;\n#TivoraTrace=on\n", "V on E"},             // anywhere, no comments
+      {"TivoraLogLevel=\tD\r\nTivoraTrace=enable\r\n", "\t enable\r E"},  // only blanks go
+      {"TivoraLogLevel D\nTivoraLogLevel=\n", " false E"},                // '=' needed, empty kept
+      {"TivoraLogLevel=DTivoraTrace=true\n", "D false E"},                // level key first,
+      {"TivoraTrace=trueSNPELogLevel=V\n", "I trueSNPELogLevel=V E"},     // then the trace key
+      {std::string(1 << 20, 'x') + "TivoraLogLevel=D", "D false E"},
   };
-  for (const WordsCase& c : cases) {
-    std::istringstream in(c.content);
+  for (const auto& [content, expected] : cases) {
+    std::istringstream in(content);
     tivora::detail::LoggerConfigWords words;
     tivora::detail::readLoggerConfigWords(in, {"TivoraLogLevel", "TivoraTrace", "SNPELogLevel"}, words);
-    EXPECT_EQ(words.level, c.level) << c.content.substr(0, 80);
-    EXPECT_EQ(words.trace, c.trace) << c.content.substr(0, 80);
-    EXPECT_EQ(words.snpeLevel, c.snpeLevel) << c.content.substr(0, 80);
+    EXPECT_EQ(words.level + " " + words.trace + " " + words.snpeLevel, expected) << content.substr(0, 80);
   }
 }
 

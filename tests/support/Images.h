@@ -27,7 +27,6 @@ struct Plane {
     record.size = {w, h};
     record.stride = stride;
   }
-  tvr_image_buf_t* operator->() { return &record; }
   tvr_image_buf_t* get() { return &record; }
   const uint8_t* row(uint32_t r) const { return memory.data() + static_cast<size_t>(record.stride) * r; }
   bool untouched() const {
