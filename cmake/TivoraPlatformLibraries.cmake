@@ -8,30 +8,27 @@
 function(tivora_find_liblog target error_var)
   if(ANDROID)
     find_library(TIVORA_LIBLOG_LIBRARY log)
-    if(NOT TIVORA_LIBLOG_LIBRARY)
-      set(${error_var} "The NDK's Android log library (liblog) was not found" PARENT_SCOPE)
-      return()
-    endif()
-    add_library(${target} SHARED IMPORTED)
-    set_target_properties(${target} PROPERTIES IMPORTED_LOCATION "${TIVORA_LIBLOG_LIBRARY}")
-  else()
-    if(NOT CMAKE_LIBRARY_ARCHITECTURE)
-      set(${error_var} "CMAKE_LIBRARY_ARCHITECTURE is unknown; cannot locate the Debian multiarch liblog" PARENT_SCOPE)
-      return()
-    endif()
+    set(include_dir "")  # the NDK's sysroot holds the header
+    set(wanted "The NDK's Android log library (liblog)")
+  elseif(CMAKE_LIBRARY_ARCHITECTURE)
     find_path(TIVORA_LIBLOG_INCLUDE_DIR android/log.h
               PATHS /usr/include/android NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
     find_library(TIVORA_LIBLOG_LIBRARY log
                  PATHS /usr/lib/${CMAKE_LIBRARY_ARCHITECTURE}/android NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
-    if(NOT TIVORA_LIBLOG_INCLUDE_DIR OR NOT TIVORA_LIBLOG_LIBRARY)
-      set(${error_var} "The Android log library for ${CMAKE_LIBRARY_ARCHITECTURE} was not found. Install Debian's android-liblog-dev for this architecture." PARENT_SCOPE)
-      return()
-    endif()
-    add_library(${target} SHARED IMPORTED)
-    set_target_properties(${target} PROPERTIES
-      IMPORTED_LOCATION "${TIVORA_LIBLOG_LIBRARY}"
-      INTERFACE_INCLUDE_DIRECTORIES "${TIVORA_LIBLOG_INCLUDE_DIR}")
+    set(include_dir "${TIVORA_LIBLOG_INCLUDE_DIR}")
+    set(wanted "The Android log library for ${CMAKE_LIBRARY_ARCHITECTURE} (Debian's android-liblog-dev)")
+  else()
+    set(${error_var} "CMAKE_LIBRARY_ARCHITECTURE is unknown; cannot locate the Debian multiarch liblog" PARENT_SCOPE)
+    return()
   endif()
+  if(NOT TIVORA_LIBLOG_LIBRARY OR include_dir MATCHES "-NOTFOUND$")
+    set(${error_var} "${wanted} was not found" PARENT_SCOPE)
+    return()
+  endif()
+  add_library(${target} SHARED IMPORTED)
+  set_target_properties(${target} PROPERTIES
+    IMPORTED_LOCATION "${TIVORA_LIBLOG_LIBRARY}"
+    INTERFACE_INCLUDE_DIRECTORIES "${include_dir}")
   set(${error_var} "" PARENT_SCOPE)
 endfunction()
 
