@@ -3,6 +3,12 @@
 # (tivorabaseConfig.cmake), so that a project using the library finds them on its own machine.
 # Each function makes an imported target, or sets `error_var` to why it cannot ("" on success).
 
+# An imported shared library at `location` with its headers in `include_dir`.
+function(tivora_add_imported target location include_dir)
+  add_library(${target} SHARED IMPORTED)
+  set_target_properties(${target} PROPERTIES IMPORTED_LOCATION "${location}" INTERFACE_INCLUDE_DIRECTORIES "${include_dir}")
+endfunction()
+
 # The Android log library: the NDK's on a device, Debian's android-liblog-dev for the target
 # architecture elsewhere.
 function(tivora_find_liblog target error_var)
@@ -25,10 +31,7 @@ function(tivora_find_liblog target error_var)
     set(${error_var} "${wanted} was not found" PARENT_SCOPE)
     return()
   endif()
-  add_library(${target} SHARED IMPORTED)
-  set_target_properties(${target} PROPERTIES
-    IMPORTED_LOCATION "${TIVORA_LIBLOG_LIBRARY}"
-    INTERFACE_INCLUDE_DIRECTORIES "${include_dir}")
+  tivora_add_imported(${target} "${TIVORA_LIBLOG_LIBRARY}" "${include_dir}")
   set(${error_var} "" PARENT_SCOPE)
 endfunction()
 
@@ -43,10 +46,7 @@ function(tivora_import_vendor target root header include_dirs lib lib_dirs error
         PARENT_SCOPE)
     return()
   endif()
-  add_library(${target} SHARED IMPORTED)
-  set_target_properties(${target} PROPERTIES
-    IMPORTED_LOCATION "${${id}_LIBRARY}"
-    INTERFACE_INCLUDE_DIRECTORIES "${${id}_INCLUDE_DIR}")
+  tivora_add_imported(${target} "${${id}_LIBRARY}" "${${id}_INCLUDE_DIR}")
   set(${error_var} "" PARENT_SCOPE)
 endfunction()
 
