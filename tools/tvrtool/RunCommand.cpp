@@ -131,6 +131,7 @@ tvr_runtime_t runtimeOf(Runtime runtime) {
 
 // The crop as the host's record; the whole frame by default. Empty error when it fits.
 tvr_crop_t cropOf(const RunOptions& options, const Nv12Frame& frame, std::string& error) {
+  error.clear();
   const CropRect crop = options.crop.value_or(CropRect{0, 0, frame.width, frame.height});
   if (uint64_t{crop.x} + crop.width > frame.width || uint64_t{crop.y} + crop.height > frame.height) {
     error = "the crop " + std::to_string(crop.x) + "," + std::to_string(crop.y) + "," + std::to_string(crop.width) +
@@ -188,7 +189,7 @@ int runWith(const RunOptions& options) {
                 "use a preset's build (e.g. build/release)");
   }
   std::string error;
-  const std::string pluginPath = options.processing.value_or(bundledPluginPath(error));
+  const std::string pluginPath = options.processing ? *options.processing : bundledPluginPath(error);
   if (pluginPath.empty()) return fail(error);
   const std::optional<PluginLibrary> plugin = loadPlugin(pluginPath, error);
   if (!plugin) return fail(pluginPath + ": " + error);

@@ -70,11 +70,17 @@ std::optional<FrameSequence> loadFolder(const fs::path& dir, const LayoutRequest
                                         std::string& error) {
   std::vector<fs::path> files;
   size_t others = 0;
-  for (const fs::directory_entry& entry : fs::directory_iterator(dir)) {
+  std::error_code code;
+  for (const fs::directory_entry& entry : fs::directory_iterator(dir, code)) {
     const std::string extension = lowerExtension(entry.path());
-    const bool frame = entry.is_regular_file() && (extension == ".nv12" || extension == ".yuv" || extension == ".png");
+    const bool frame =
+        entry.is_regular_file(code) && (extension == ".nv12" || extension == ".yuv" || extension == ".png");
     if (frame) files.push_back(entry.path());
     others += frame ? 0 : 1;
+  }
+  if (code) {
+    error = dir.string() + ": cannot read the folder: " + code.message();
+    return std::nullopt;
   }
   std::sort(files.begin(), files.end());
   FrameSequence sequence;
