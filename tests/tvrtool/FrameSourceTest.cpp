@@ -33,6 +33,9 @@ TEST(Y4mTest, PlanarFramesBecomeNv12AndTheCountMayBeCut) {
   const Nv12Frame& frame = frames->back();
   EXPECT_EQ(frame.width * 1000 + frame.height * 100 + frame.stride * 10 + frame.scanline, 4242u);
   EXPECT_EQ(frame.bytes, (std::vector<uint8_t>{1, 2, 3, 4, 5, 6, 7, 8, 20, 30, 21, 31}));
+  for (const char* tag : {"C420jpeg", "C420paldv", "C420", ""}) {
+    EXPECT_TRUE(readY4m(y4m(std::string("YUV4MPEG2 W4 H2 ") + tag, 1), 1, error)) << tag << ": " << error;
+  }
 }
 
 TEST(Y4mTest, RefusesWhatIsNotAWholeStreamOfEven420Frames) {

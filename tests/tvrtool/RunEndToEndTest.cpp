@@ -75,15 +75,15 @@ TEST_F(RunTest, BundledSampleTakesItsOptionsAndIsTimedTracedLoggedAndDumped) {
             "frame,status,split ms,NV12 to RGB ms,RGB to float ms,execute ms,apply ms,result");
 }
 
-TEST_F(RunTest, PluginGetsTheCropTheOptionsAndTheSameFrameAgain) {
+TEST_F(RunTest, PluginGetsTheCropTheOptionsTheSameFrameAgainAndOneDebugApplyForPictures) {
   // Luma 16 left of x = 32, 56 right of it.
   std::string frame = grayFrame(0);
   for (size_t row = 0; row < 48; ++row) frame.replace(row * 64 + 32, 32, 32, char(56));
   const Result result = run({"--processing", TEST_PLUGIN_GOOD, "--crop", "32,0,32,48", "--option", "offset=4",
-                             "--frames", "3", write("frame_64x48.nv12", frame)});
+                             "--frames", "3", "-o", path("out"), write("frame_64x48.nv12", frame)});
   expectEveryCallSucceeded(result, 3);
   EXPECT_TRUE(has(result.out, "processing: LumaProcessing (" TEST_PLUGIN_GOOD ")\n")) << result.out;
-  EXPECT_TRUE(has(result.out, "\nresult: frame 3, luma 60\n")) << result.out;
+  EXPECT_TRUE(has(result.out, "\nresult: frame 3, luma 60, 1 debug\npictures: none")) << result.out;
 }
 
 // Five frames of luma 16, 56, ... 176 from each kind of sequence; each gives one result line.
@@ -110,7 +110,7 @@ TEST_P(SequenceTest, EachFrameGivesOneResultLineInOrder) {
   EXPECT_EQ(csv[0], "frame,status,apply ms,result");
   for (size_t i = 1; i <= 5; ++i) {
     EXPECT_EQ(csv[i].rfind(std::to_string(i) + ",0,", 0), 0u) << csv[i];
-    EXPECT_TRUE(has(csv[i], ",\"frame " + std::to_string(i) + ", luma " + std::to_string(16 + 40 * (i - 1)) + "\"")) << csv[i];
+    EXPECT_TRUE(has(csv[i], ",\"frame " + std::to_string(i) + ", luma " + std::to_string(16 + 40 * (i - 1)) + ", 0 debug\"")) << csv[i];
   }
 }
 

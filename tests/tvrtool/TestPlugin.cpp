@@ -1,6 +1,6 @@
 // A tiny processing as a plugin, for tvrtool run's end-to-end tests: each frame's output is the
 // mean luma of its crop (plus the option offset=N), so a test sees which frame it was given and
-// where. Built once as it should be (TEST_PLUGIN_GOOD) and as three broken plugins: another ABI
+// where, and how many applies had a debug record (it takes the option debug-dir and dumps nothing). Built once as it should be (TEST_PLUGIN_GOOD) and as three broken plugins: another ABI
 // version (TEST_PLUGIN_ABI=2), a factory that returns null, no factory (TEST_PLUGIN_NO_FACTORY).
 #include <cstdio>
 #include <cstring>
@@ -11,7 +11,7 @@
 namespace {
 
 struct LumaOutput {
-  uint32_t frames, meanLuma;
+  uint32_t frames, meanLuma, debugApplies;
 };
 
 class LumaProcessing : public tivora::test::RecordingProcessing {
@@ -30,8 +30,13 @@ class LumaProcessing : public tivora::test::RecordingProcessing {
       }
     }
     auto& output = *static_cast<LumaOutput*>(out);
-    output = {output.frames + 1, static_cast<uint32_t>(total / (uint64_t{frame.crop.size.w} * frame.crop.size.h)) + offset};
+    output = {output.frames + 1, static_cast<uint32_t>(total / (uint64_t{frame.crop.size.w} * frame.crop.size.h)) + offset,
+              output.debugApplies};
     return TVR_OK;
+  }
+  tvr_err_t applyDebugImpl(const void* in, void* out, void*) override {
+    ++static_cast<LumaOutput*>(out)->debugApplies;
+    return applyImpl(in, out);
   }
 };
 
@@ -41,12 +46,13 @@ class LumaProcessing : public tivora::test::RecordingProcessing {
 TIVORA_PLUGIN(LumaProcessing, LumaOutput)
 
 extern "C" TIVORA_PLUGIN_EXPORT int tivora_set_option(hvx::IProcessing* processing, const char* key, const char* value) {
+  if (std::strcmp(key, "debug-dir") == 0) return 0;
   return std::strcmp(key, "offset") == 0 && std::sscanf(value, "%u", &static_cast<LumaProcessing*>(processing)->offset) == 1 ? 0 : 1;
 }
 
 extern "C" TIVORA_PLUGIN_EXPORT int tivora_describe_output(const void* output, char* text, size_t size) {
   const auto& luma = *static_cast<const LumaOutput*>(output);
-  return std::snprintf(text, size, "frame %u, luma %u", luma.frames, luma.meanLuma) > 0 ? 0 : 1;
+  return std::snprintf(text, size, "frame %u, luma %u, %u debug", luma.frames, luma.meanLuma, luma.debugApplies) > 0 ? 0 : 1;
 }
 
 #else
