@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <memory>
 #include <vector>
 
 #include "DlContainer/DlContainer.h"
@@ -76,12 +75,12 @@ std::string setupFailure(tvr_err_t status, const HostSettings& settings) {
   return text;
 }
 
-// The output record, zeroed once and aligned for any type.
+// The output record, zeroed once. Its bytes come from operator new, aligned for any fundamental
+// type (an array of std::max_align_t would leave its padding bytes unzeroed).
 struct OutputRecord {
-  explicit OutputRecord(size_t size)
-      : storage(new std::max_align_t[(size + sizeof(std::max_align_t) - 1) / sizeof(std::max_align_t) + 1]()) {}
-  void* data() { return storage.get(); }
-  std::unique_ptr<std::max_align_t[]> storage;
+  explicit OutputRecord(size_t size) : bytes(std::max<size_t>(size, 1)) {}
+  void* data() { return bytes.data(); }
+  std::vector<unsigned char> bytes;
 };
 
 // The frames; returns the first failed status, or TVR_OK.
