@@ -114,8 +114,8 @@ TEST_F(OnnxModelTest, RefusesWhatTheEngineCannotRunWithItsReason) {
   const std::pair<std::string, const char*> cases[] = {
       {tiny.substr(0, tiny.size() - 9), "not a protocol buffer"},
       {std::string(tiny).replace(20, 4, "\xff\xff\xff\xff"), "not a protocol buffer"},
-      {tinyWith([](onnx::GraphProto& g) { g.mutable_node(1)->set_op_type("Frobnicate"); }),
-       "the engine cannot run this model"},
+      {tinyWith([](onnx::GraphProto& g) { g.mutable_node(1)->set_op_type("Hardmax"); }),
+       "Can't create layer \"onnx_node_output_0!y\" of type \"Hardmax\""},
       {tinyWith([](onnx::GraphProto& g) { inputType(g).mutable_shape()->mutable_dim(2)->set_dim_param("height"); }),
        "input 'x' has a dynamic dimension 2 ('height')"},
       {tinyWith([](onnx::GraphProto& g) { inputType(g).set_elem_type(onnx::TensorProto::INT64); }),

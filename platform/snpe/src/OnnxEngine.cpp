@@ -140,21 +140,6 @@ std::unique_ptr<Engine> build(const OnnxSource& source, const std::vector<std::s
 
 }  // namespace
 
-bool importOnnxModel(const OnnxSource& source, std::string& error) {
-  prepareEngine();
-  try {
-    cv::dnn::readNetFromONNX(source.bytes->data(), source.bytes->size());
-    return true;
-  } catch (const cv::Exception& e) {
-    error = "the engine cannot run this model: " + reasonOf(e);
-  } catch (const std::exception& e) {
-    error = std::string("the engine cannot run this model: ") + e.what();
-  } catch (...) {
-    error = "the engine cannot run this model";
-  }
-  return false;
-}
-
 std::unique_ptr<Engine> buildOnnxEngine(const OnnxSource& source, const std::vector<std::string>& layers,
                                         const std::vector<Tensor>& inputs, std::vector<Tensor>& produced,
                                         std::string& error) {

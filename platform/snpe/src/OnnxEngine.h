@@ -1,6 +1,5 @@
-// OpenCV DNN behind the ONNX models: it imports a model once when it is opened (to refuse what it
-// cannot run) and again for every network, and runs the network. OpenCV's types stay in
-// OnnxEngine.cpp.
+// OpenCV DNN behind the ONNX models: it imports the model for every network and runs the network.
+// OpenCV's types stay in OnnxEngine.cpp.
 #pragma once
 
 #include <map>
@@ -21,9 +20,6 @@ struct OnnxSource {
 
 // A tensor of the model's dimensions as the runtime shows it (rank 4: N x C x H x W as N x H x W x C).
 Tensor shownTensor(const std::string& name, const std::vector<size_t>& modelDims);
-
-// Whether the engine can import the model; false with its reason.
-bool importOnnxModel(const OnnxSource& source, std::string& error);
 
 // A network computing `layers` (empty: the graph's outputs), run once on zeros to learn the shapes
 // of what it produces; null with the engine's reason.

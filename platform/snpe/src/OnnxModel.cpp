@@ -1,36 +1,18 @@
 // ONNX models: ONNX's own protobuf classes say what the model is (tensor names, shapes, types,
 // metadata); OpenCV DNN (OnnxEngine.cpp) runs it. A model is refused at open when the runtime
 // could not show it as the device runtime would (a tensor that is not float, a dynamic dimension
-// other than the batch) or when the engine cannot import it (an unsupported operator, say).
+// other than the batch) or when the engine's first try, in a process of its own, fails: ONNX's
+// checker refuses the graph, OpenCV cannot import it (an unsupported operator, say) or build it.
+#include "OnnxModel.h"
+
 #include <onnx/onnx_pb.h>
 
 #include <climits>
-#include <set>
-
-#include "Model.h"
-#include "OnnxEngine.h"
 
 namespace snpe_stub::detail {
 namespace {
 
 constexpr const char* kNotAModel = "neither a host model container (no 'TIVORA-HOST-DLC 1' line) nor an ONNX model";
-
-class OnnxModel : public Model {
- public:
-  std::unique_ptr<Engine> build(const std::vector<std::string>& layers, std::vector<Tensor>& produced,
-                                std::string& error) const override {
-    for (const std::string& layer : layers) {
-      if (computed.count(layer) == 0) {
-        error = "'" + layer + "' is not a tensor computed by model " + version;
-        return nullptr;
-      }
-    }
-    return buildOnnxEngine(source, layers, inputs, produced, error);
-  }
-
-  OnnxSource source;
-  std::set<std::string> computed;  // every tensor a node writes: what an output layer may name
-};
 
 std::string typeName(int32_t type) {
   return onnx::TensorProto_DataType_IsValid(type)
@@ -108,7 +90,7 @@ std::string versionOf(const onnx::ModelProto& proto) {
   return origin.empty() ? text : text + " (" + origin + ")";
 }
 
-std::shared_ptr<const Model> describe(std::string_view bytes, std::string& error) {
+std::shared_ptr<OnnxModel> describe(std::string_view bytes, std::string& error) {
   onnx::ModelProto proto;
   if (bytes.size() > INT_MAX || !proto.ParseFromArray(bytes.data(), static_cast<int>(bytes.size()))) {
     error = std::string(kNotAModel) + " (not a protocol buffer of one)";
@@ -160,10 +142,34 @@ std::shared_ptr<const Model> describe(std::string_view bytes, std::string& error
     for (const auto& info : *list) model->source.declared[info.name()] = staticDims(info);
   }
   model->source.bytes = std::make_shared<const std::string>(bytes);
-  return importOnnxModel(model->source, error) ? model : nullptr;
+  return model;
 }
 
 }  // namespace
+
+std::unique_ptr<Engine> OnnxModel::build(const std::vector<std::string>& layers, std::vector<Tensor>& produced,
+                                         std::string& error) const {
+  for (const std::string& layer : layers) {
+    if (computed.count(layer) == 0) {
+      error = "'" + layer + "' is not a tensor computed by model " + version;
+      return nullptr;
+    }
+  }
+  // The graph's own outputs were tried when the model was opened.
+  if (!layers.empty() && !probeOnnxModel(*source.bytes, layers, error)) return nullptr;
+  return buildOnnxEngine(source, layers, inputs, produced, error);
+}
+
+std::shared_ptr<OnnxModel> describeOnnxModel(std::string_view bytes, std::string& error) {
+  try {
+    return describe(bytes, error);
+  } catch (const std::exception& e) {
+    error = std::string("cannot read the ONNX model: ") + e.what();
+  } catch (...) {
+    error = "cannot read the ONNX model";
+  }
+  return nullptr;
+}
 
 Tensor shownTensor(const std::string& name, const std::vector<size_t>& modelDims) {
   Tensor tensor{name, modelDims, 1, modelDims.size() == 4};
@@ -173,14 +179,8 @@ Tensor shownTensor(const std::string& name, const std::vector<size_t>& modelDims
 }
 
 std::shared_ptr<const Model> parseOnnxModel(std::string_view bytes, std::string& error) {
-  try {
-    return describe(bytes, error);
-  } catch (const std::exception& e) {
-    error = std::string("cannot read the ONNX model: ") + e.what();
-  } catch (...) {
-    error = "cannot read the ONNX model";
-  }
-  return nullptr;
+  std::shared_ptr<OnnxModel> model = describeOnnxModel(bytes, error);
+  return model && probeOnnxModel(*model->source.bytes, {}, error) ? model : nullptr;
 }
 
 }  // namespace snpe_stub::detail
