@@ -37,6 +37,21 @@ std::string reasonOf(const cv::Exception& e) {
   return first == std::string::npos ? "unknown" : text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
+// Runs `work`, which returns false with `error` set; an exception becomes `what` and its reason.
+template <typename Work>
+bool guarded(const char* what, std::string& error, Work work) {
+  try {
+    return work();
+  } catch (const cv::Exception& e) {
+    error = std::string(what) + ": " + reasonOf(e);
+  } catch (const std::exception& e) {
+    error = std::string(what) + ": " + e.what();
+  } catch (...) {
+    error = what;
+  }
+  return false;
+}
+
 std::vector<size_t> modelDims(const Tensor& tensor) {
   const std::vector<size_t>& d = tensor.dims;
   return tensor.channelsLast ? std::vector<size_t>{d[0], d[3], d[1], d[2]} : d;
@@ -60,7 +75,7 @@ std::string withOutputs(const OnnxSource& source, const std::vector<std::string>
 class OnnxEngine : public Engine {
  public:
   bool run(const std::vector<Binding>& inputs, const std::vector<Binding>& outputs, std::string& error) override {
-    try {
+    return guarded("the engine failed", error, [&] {
       for (size_t i = 0; i < inputs.size(); ++i) {
         gather(inputs[i], blobs_[i].ptr<float>());
         net_.setInput(blobs_[i], inputNames_[i]);
@@ -76,14 +91,7 @@ class OnnxEngine : public Engine {
         scatter(result.ptr<float>(), outputs[i]);
       }
       return true;
-    } catch (const cv::Exception& e) {
-      error = "the engine failed: " + reasonOf(e);
-    } catch (const std::exception& e) {
-      error = std::string("the engine failed: ") + e.what();
-    } catch (...) {
-      error = "the engine failed";
-    }
-    return false;
+    });
   }
 
   cv::dnn::Net net_;
@@ -144,16 +152,12 @@ std::unique_ptr<Engine> buildOnnxEngine(const OnnxSource& source, const std::vec
                                         const std::vector<Tensor>& inputs, std::vector<Tensor>& produced,
                                         std::string& error) {
   prepareEngine();
-  try {
-    return build(source, layers, inputs, produced, error);
-  } catch (const cv::Exception& e) {
-    error = "the engine cannot build this network: " + reasonOf(e);
-  } catch (const std::exception& e) {
-    error = std::string("the engine cannot build this network: ") + e.what();
-  } catch (...) {
-    error = "the engine cannot build this network";
-  }
-  return nullptr;
+  std::unique_ptr<Engine> engine;
+  guarded("the engine cannot build this network", error, [&] {
+    engine = build(source, layers, inputs, produced, error);
+    return engine != nullptr;
+  });
+  return engine;
 }
 
 }  // namespace snpe_stub::detail
