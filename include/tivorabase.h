@@ -10,6 +10,7 @@
 #include "TivoraLogPriority.h"
 #include "TivoraLogger.h"
 #include "TivoraPlugin.h"
+#include "TivoraTraceSink.h"
 #include "TivoraUtil.h"
 #include "hvx/IProcessing.h"
 #include "tvr_types.h"

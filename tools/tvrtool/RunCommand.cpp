@@ -1,6 +1,5 @@
 // `tvrtool run`: plays the camera host for a processing's plugin on a workstation, and shows how
 // long each stage took and what it answered.
-#include <signal.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -14,13 +13,13 @@
 #include "FileBytes.h"
 #include "FrameLoader.h"
 #include "HostSession.h"
-#include "MarkerCollector.h"
 #include "OutputPaths.h"
 #include "PluginLibrary.h"
 #include "RunOptions.h"
 #include "RunReport.h"
 #include "Subcommand.h"
 #include "TivoraLogPriority.h"
+#include "TraceRecorder.h"
 
 namespace tvrtool {
 
@@ -74,13 +73,14 @@ void printHelp(std::FILE* to) {
       "                         debug record)\n"
       "      --results=FILE     one CSV line per frame: frame, status, stage times, the plugin's\n"
       "                         text of its result\n"
-      "      --trace=FILE       write the library's trace markers as Chrome trace-event JSON\n"
-      "                         (open it at https://ui.perfetto.dev)\n"
+      "      --trace=FILE       a Chrome trace-event JSON of the run (open it at\n"
+      "                         https://ui.perfetto.dev): each lifecycle call as the library marks\n"
+      "                         it, timed when it was written, the stages inside each apply and\n"
+      "                         the frame time\n"
       "  -h, --help             show this help and exit\n"
       "\n"
       "The library's device files are those of this build's TIVORA_PATH_PREFIX: tvrtool run writes\n"
-      "the logger's VEXA_TVR.dat into its camera folder and, with --trace, reads the trace_marker\n"
-      "there.\n"
+      "the logger's VEXA_TVR.dat into its camera folder (with TivoraTrace=true for --trace).\n"
       "\n"
       "Examples:\n"
       "  tvrtool run\n"
@@ -158,12 +158,21 @@ std::string prepareOutputs(const RunOptions& options, Outputs& outputs) {
   return error;
 }
 
-std::string writeTrace(const MarkerCollector& collector, const std::string& path) {
-  const ParsedMarkers parsed = parseMarkers(collector.text(), collector.reads());
-  std::string error = writeTextFile(path, toChromeTraceJson(parsed.events, collector.startTimeNs()));
+// Each frame: its apply's two markers, its stages and its time; the lifecycle's markers and the
+// threads' names besides. Capped, so that a long run does not reserve without bound.
+size_t traceCapacity(uint32_t frames) {
+  return std::min<size_t>(size_t{frames} * (3 + FrameTimings::kMaxStages) + 64, size_t{1} << 22);
+}
+
+std::string writeTrace(const TraceRecorder& trace, const std::string& processName, const std::string& path) {
+  std::string error = writeTextFile(
+      path, toChromeTraceJson(trace.events(), trace.count(), trace.pid(), processName, trace.startNs()));
   if (error.empty()) {
-    std::printf("trace: %s (%zu events%s; open it at https://ui.perfetto.dev)\n", path.c_str(), parsed.events.size(),
-                parsed.rejected == 0 ? "" : (", " + std::to_string(parsed.rejected) + " garbled markers left out").c_str());
+    std::string lost;
+    if (trace.dropped() != 0) lost += ", " + std::to_string(trace.dropped()) + " events beyond its room left out";
+    if (trace.rejected() != 0) lost += ", " + std::to_string(trace.rejected()) + " garbled markers left out";
+    std::printf("trace: %s (%zu events%s; open it at https://ui.perfetto.dev)\n", path.c_str(), trace.count(),
+                lost.c_str());
   }
   return error;
 }
@@ -218,28 +227,26 @@ int runWith(const RunOptions& options) {
   error = prepareDevice({options.logLevel, options.traceFile.has_value()});
   if (!error.empty()) return fail(error);
   tivora::lowerAndroidLogMinimumPriority();
-  std::unique_ptr<MarkerCollector> collector;
-  if (options.traceFile) {
-    collector = MarkerCollector::start(traceMarkerPath(), 2 * size_t{settings.frames} + 16, error);
-    if (!collector) return fail(error);
-  }
+  std::unique_ptr<TraceRecorder> trace;
+  if (options.traceFile) trace = std::make_unique<TraceRecorder>(traceCapacity(settings.frames));
   ProcessingPtr processing = createProcessing(*plugin, options.resourceType, pluginOptions, error);
   if (!processing) return fail(pluginPath + ": " + error);
 
-  std::printf("processing: %s (%s)\n", processing->getProcessingName(), pluginPath.c_str());
+  const std::string processingName = processing->getProcessingName();
+  std::printf("processing: %s (%s)\n", processingName.c_str(), pluginPath.c_str());
   std::printf("source: %s\n", sequence->description.c_str());
   std::printf("host: resource type %u, rotation %u, crop %d,%d %ux%u, %s\n", options.resourceType, options.rotation,
               settings.crop.pos.x, settings.crop.pos.y, settings.crop.size.w, settings.crop.size.h,
               options.model ? ("model " + *options.model).c_str() : "the plugin's own model");
   std::fflush(stdout);
   Progress progress(stderr, isatty(STDERR_FILENO) != 0, settings.frames);
-  const SessionResult result = runHost(*plugin, *processing, settings, *sequence, progress, outputs.results.get());
+  const SessionResult result = runHost(*plugin, *processing, settings, *sequence, progress, outputs.results.get(), trace.get());
   processing.reset();
 
   std::string laterError = outputs.results ? outputs.results->finish() : "";
-  if (collector) {
-    collector->stop();
-    const std::string traceError = writeTrace(*collector, *options.traceFile);
+  if (trace) {
+    trace->stop();
+    const std::string traceError = writeTrace(*trace, "tvrtool run: " + processingName, *options.traceFile);
     if (laterError.empty()) laterError = traceError;
   }
   if (!result.failure.empty()) return fail(result.failure);
@@ -264,8 +271,6 @@ int run(const std::vector<std::string>& args) {
     printHelp(stdout);
     return kExitOk;
   }
-  // Should the trace FIFO lose its reader, a late marker must not end the process; it is lost.
-  signal(SIGPIPE, SIG_IGN);
   return runWith(options);
 }
 

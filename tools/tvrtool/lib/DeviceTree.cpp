@@ -18,8 +18,6 @@ std::string prepareDevice(const DeviceSetup& setup) {
                                                                    (setup.trace ? "TivoraTrace=true\n" : ""));
 }
 
-const char* traceMarkerPath() { return tivora::paths::kTraceMarker; }
-
 bool devicePathsArePrefixed() { return TIVORA_PATH_PREFIX[0] != '\0'; }
 
 }  // namespace tvrtool

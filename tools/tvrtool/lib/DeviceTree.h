@@ -18,9 +18,6 @@ struct DeviceSetup {
 // data directory). Returns a message for the user, or "".
 std::string prepareDevice(const DeviceSetup& setup);
 
-// Where the library writes its trace markers.
-const char* traceMarkerPath();
-
 // The prefix is empty in a device build: then these paths are the machine's own /data and /sys,
 // which a workstation tool must not rewrite.
 bool devicePathsArePrefixed();

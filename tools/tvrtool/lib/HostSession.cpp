@@ -86,7 +86,7 @@ struct OutputRecord {
 // The frames; returns the first failed status, or TVR_OK.
 tvr_err_t applyFrames(const PluginLibrary& plugin, hvx::IProcessing& processing, const HostSettings& settings,
                       const std::vector<tvr_input_param_t>& inputs, SessionResult& result, Progress& progress,
-                      ResultsFile* results) {
+                      ResultsFile* results, TraceRecorder* trace) {
   OutputRecord output(plugin.outputSize());
   uint8_t debugRecord = 0;  // its presence asks for the debug hook; what it holds is the processing's business
   tivora_stage_time_t stages[FrameTimings::kMaxStages];
@@ -109,6 +109,7 @@ tvr_err_t applyFrames(const PluginLibrary& plugin, hvx::IProcessing& processing,
     const size_t count =
         status == TVR_OK && plugin.stageTimes != nullptr ? plugin.stageTimes(&processing, stages, FrameTimings::kMaxStages) : 0;
     if (status == TVR_OK) result.timings.add(applyNs, stages, std::min(count, FrameTimings::kMaxStages), columns);
+    if (status == TVR_OK && trace != nullptr) trace->addFrame(start, applyNs, stages, std::min(count, FrameTimings::kMaxStages));
     if (results != nullptr) {
       if (status == TVR_OK) describe();
       results->writeHeader(result.timings);
@@ -129,7 +130,7 @@ tvr_err_t applyFrames(const PluginLibrary& plugin, hvx::IProcessing& processing,
 }  // namespace
 
 SessionResult runHost(const PluginLibrary& plugin, hvx::IProcessing& processing, const HostSettings& settings,
-                      const FrameSequence& sequence, Progress& progress, ResultsFile* results) {
+                      const FrameSequence& sequence, Progress& progress, ResultsFile* results, TraceRecorder* trace) {
   SessionResult result(settings.frames);
   const tvr_create_param_t create = createRecord(settings);
   const tvr_err_t setup = processing.setup(&create);
@@ -150,7 +151,7 @@ SessionResult runHost(const PluginLibrary& plugin, hvx::IProcessing& processing,
     for (const Nv12Frame& frame : sequence.frames) records.push_back(frameRecord(frame, settings.crop));
     std::vector<tvr_input_param_t> inputs;
     for (const tvr_image_buf_t& record : records) inputs.push_back({settings.rotation, &record});
-    const tvr_err_t apply = applyFrames(plugin, processing, settings, inputs, result, progress, results);
+    const tvr_err_t apply = applyFrames(plugin, processing, settings, inputs, result, progress, results, trace);
     progress.finish();
     if (apply == TVR_OK) {
       std::printf("apply: ok (%u frames)\n", result.framesApplied);

@@ -11,6 +11,7 @@
 #include "PluginLibrary.h"
 #include "Progress.h"
 #include "ResultsFile.h"
+#include "TraceRecorder.h"
 
 namespace tvrtool {
 
@@ -37,8 +38,9 @@ struct SessionResult {
 
 // setup, initialize, apply x frames, abort, finalize, teardown. A failed setup or initialize
 // skips the frames but still runs finalize and teardown; a failed apply stops the frames. With
-// `results`, each applied frame's line is written as it comes.
+// `results`, each applied frame's line is written as it comes; with `trace`, each applied frame's
+// time and stages are recorded.
 SessionResult runHost(const PluginLibrary& plugin, hvx::IProcessing& processing, const HostSettings& settings,
-                      const FrameSequence& sequence, Progress& progress, ResultsFile* results);
+                      const FrameSequence& sequence, Progress& progress, ResultsFile* results, TraceRecorder* trace);
 
 }  // namespace tvrtool
