@@ -237,13 +237,27 @@ tvr_err_t MeanColourProcessing::processFrame(const tvr_input_param_t* input, Mea
   if (status != TVR_OK) return status;
   end = now();
   mTimes.rgbToFloat = end - start;
-  if (dump) mDebug.dumpBufferByKey("network_input", mRgb, "DumpNetworkInput", "rgb");
+  if (dump) {
+    mDebug.dumpBufferByKey("network_input", mRgb, "DumpNetworkInput", "rgb");
+    mDebug.dumpBufferByKey("network_tensor", mTensor, "DumpNetworkTensor", "f32");
+  }
 
   start = dump ? now() : end;  // the dump is no part of the execution
   mTimes.executeStart = start;
   status = executeSNPE(kNetwork);
   if (status != TVR_OK) return status;
   mTimes.execute = now() - start;
+  if (dump) {
+    // The network's answer as a 1 x 1 float RGB picture: 3 floats, "network_output_3x1.f32".
+    tvr_image_buf_t answer{};
+    answer.buf.p_base = reinterpret_cast<uint8_t*>(mResult.data());
+    answer.buf.buf_size = static_cast<uint32_t>(sizeof mResult);
+    answer.format = kPlane;
+    answer.size = {3, 1};
+    answer.stride = 3;
+    answer.scanline = 1;
+    mDebug.dumpBufferByKey("network_output", &answer, "DumpNetworkOutput", "f32");
+  }
 
   if (output != nullptr) {
     std::copy(mResult.begin(), mResult.end(), output->mean_rgb);

@@ -64,9 +64,13 @@ struct MeanColourConfig {
 class MeanColourProcessing : public TivoraBase {
  public:
   // Debug configuration read at setup from the logger's data directory: "DataDir=<folder>" and
-  // the dump keys "DumpSource" (the host's frame), "DumpNetworkInput" (the RGB picture the network
-  // saw); value "true" switches a dump on. With debugging on, every debug apply also appends the
-  // input record to "input_param.csv" in the data directory.
+  // a dump key per stage of a frame, value "true" switching it on:
+  //   DumpSource         the host's frame, as it lies in memory   source_<stride>x<height>.nv12
+  //   DumpNetworkInput   the RGB picture the network sees          network_input_<3w>x<h>.rgb
+  //   DumpNetworkTensor  that picture as the network's floats      network_tensor_<3w>x<h>.f32
+  //   DumpNetworkOutput  the network's answer, 3 floats            network_output_3x1.f32
+  // With debugging on, every debug apply also appends the input record to "input_param.csv" in
+  // the data directory, so that `tvrtool run --replay` can give each frame its record again.
   static constexpr const char* kDebugConfigFile = "MeanColourDebug.dat";
 
   explicit MeanColourProcessing(SNPEMgr::TVRResourceType resourceType, MeanColourConfig config = {});
@@ -114,7 +118,8 @@ class MeanColourProcessing : public TivoraBase {
    public:
     std::string pathOf(const std::string& name) const { return mDataDir + "/" + name; }
     void dumpEverythingTo(const std::string& dir) {
-      mConfig = {{"DumpSource", "true"}, {"DumpNetworkInput", "true"}};
+      mConfig = {{"DumpSource", "true"}, {"DumpNetworkInput", "true"}, {"DumpNetworkTensor", "true"},
+                 {"DumpNetworkOutput", "true"}};
       mDataDir = dir;
       mDebugEnabled = true;
     }

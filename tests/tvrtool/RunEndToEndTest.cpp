@@ -55,8 +55,10 @@ TEST_F(RunTest, BundledSampleTakesItsOptionsAndIsTimedTracedLoggedAndDumped) {
     ++files[std::isdigit(static_cast<unsigned char>(name[0])) ? name.substr(name.find('_') + 1) : name];
   }
   EXPECT_EQ(files, (std::map<std::string, int>{{"dumps", 1}, {"source_1920x1080.nv12", 3}, {"network_input_48x16.rgb", 3},
+                                               {"network_tensor_48x16.f32", 3}, {"network_output_3x1.f32", 3},
                                                {"input_param.csv", 1}, {"out", 1}, {"source_1920x1080.png", 1},
-                                               {"network_input_48x16.png", 1}, {"trace.json", 1}, {"results.csv", 1}}));
+                                               {"network_input_48x16.png", 1}, {"network_tensor_48x16.png", 1},
+                                               {"network_output_3x1.png", 1}, {"trace.json", 1}, {"results.csv", 1}}));
   tvrtool::test::Png png;
   ASSERT_TRUE(tvrtool::test::readPng(path("out/network_input_48x16.png"), png));
   EXPECT_EQ(png.width * 100 + png.height, 1616u);
