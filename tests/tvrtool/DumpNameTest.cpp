@@ -26,6 +26,10 @@ TEST(DumpNameTest, ReadsTheKindTheExtensionAndTheSizes) {
     EXPECT_EQ(std::tie(name.kind, name.extension, name.first, name.second), std::tie(kind, extension, first, second))
         << path;
   }
+  // A dump's own name, and its stamp, which orders a run's dumps.
+  const tvrtool::FileName dump = tvrtool::parseFileName("/d/5000000000_a_b_2x2_640x480.nv21");
+  EXPECT_EQ(std::tie(dump.name, dump.stamp), std::make_tuple(std::string("a_b_2x2"), uint64_t{5000000000}));
+  EXPECT_EQ(tvrtool::parseFileName("99999999999999999999_s_8x4.y").stamp, 0u);
 }
 
 }  // namespace

@@ -15,6 +15,7 @@
 #include "HostSession.h"
 #include "OutputPaths.h"
 #include "PluginLibrary.h"
+#include "ReplayFolder.h"
 #include "RunOptions.h"
 #include "RunReport.h"
 #include "Subcommand.h"
@@ -49,6 +50,11 @@ void printHelp(std::FILE* to) {
       "\n"
       "Options:\n"
       "  -p, --processing=LIB   the processing's plugin library (default: the bundled sample)\n"
+      "      --replay=DIR       instead of FILE: a dump folder taken on a device, played again:\n"
+      "                         its source frames (<ns>_source_<stride>x<height>.nv12) in time\n"
+      "                         order, each with its own input record from DIR/input_param.csv\n"
+      "                         (rotation, crop, layout) and initialize's from static_param.csv\n"
+      "                         when there is one; compare the dumps with tvrtool compare\n"
       "      --resource-type=N  the resource type it is created for, 0 to 7 (default 0)\n"
       "      --option=KEY=VALUE given to the plugin before setup, in order; it may refuse it.\n"
       "                         The sample takes order=keep|swap and input-size=WxH.\n"
@@ -88,12 +94,13 @@ void printHelp(std::FILE* to) {
       "  tvrtool run --width 1920 --height 1080 --rotation 180 --crop 420,0,1080,1080 frames.nv12\n"
       "  tvrtool run --option order=swap -o pictures clip.y4m\n"
       "  tvrtool run --processing build/libmy_processing.so --option threshold=3 captures/\n"
+      "  tvrtool run --replay device-dumps --debug host-dumps\n"
       "\n"
       "Exit status:\n"
       "  0  every call succeeded\n"
       "  1  the plugin, the frames or a path was refused, or a call failed (finalize and teardown\n"
       "     still ran)\n"
-      "  2  wrong usage\n",
+      "  2  wrong usage, or a --replay folder without source frames\n",
       to);
 }
 
@@ -192,6 +199,18 @@ std::string writeLastFramePictures(const std::string& dumpDir, const std::string
   return "";
 }
 
+// A replay writes its dumps beside the device's only elsewhere: they would mix.
+std::string checkApartFromReplay(const RunOptions& options) {
+  std::error_code code;
+  for (const auto& dir : {options.debugDir, options.outputDir}) {
+    if (dir && std::filesystem::equivalent(*dir, *options.replayDir, code)) {
+      return "the run's dumps would mix with those it replays: give --debug and -o another folder than " +
+             *options.replayDir;
+    }
+  }
+  return "";
+}
+
 int runWith(const RunOptions& options) {
   if (!devicePathsArePrefixed()) {
     return fail("this build has no TIVORA_PATH_PREFIX, so its device paths are this machine's own /data and /sys; "
@@ -203,15 +222,27 @@ int runWith(const RunOptions& options) {
   const std::optional<PluginLibrary> plugin = loadPlugin(pluginPath, error);
   if (!plugin) return fail(pluginPath + ": " + error);
 
-  const LayoutRequest request{std::nullopt, options.width, options.height, options.stride, options.scanline};
-  const std::optional<FrameSequence> sequence =
-      loadFrames(options.source, request, options.frames.value_or(kMaxFrames), error);
-  if (!sequence) return fail(error);
   HostSettings settings;
-  settings.crop = cropOf(options, sequence->frames.front(), error);
-  if (!error.empty()) return fail(error);
-  settings.frames = options.frames.value_or(sequence->frames.size() > 1 ? static_cast<uint32_t>(sequence->frames.size())
-                                                                        : kSingleFrameRepeats);
+  std::optional<FrameSequence> sequence;
+  if (options.replayDir) {
+    ReplayFailure failure = ReplayFailure::None;
+    std::optional<Replay> replay = loadReplay(*options.replayDir, options.frames.value_or(kMaxFrames), failure, error);
+    if (failure == ReplayFailure::NoSourceFrames) return usageError("tvrtool run", error);
+    if (!replay) return fail(error);
+    sequence = std::move(replay->sequence);
+    settings.replayed = std::move(replay->records);
+    settings.stream = replay->stream;
+    error = checkApartFromReplay(options);
+    if (!error.empty()) return usageError("tvrtool run", error);
+  } else {
+    const LayoutRequest request{std::nullopt, options.width, options.height, options.stride, options.scanline};
+    sequence = loadFrames(options.source, request, options.frames.value_or(kMaxFrames), error);
+    if (!sequence) return fail(error);
+    settings.crop = cropOf(options, sequence->frames.front(), error);
+    if (!error.empty()) return fail(error);
+  }
+  const bool once = sequence->frames.size() > 1 || options.replayDir;
+  settings.frames = options.frames.value_or(once ? static_cast<uint32_t>(sequence->frames.size()) : kSingleFrameRepeats);
   settings.rotation = rotationOf(options.rotation);
   settings.runtime = runtimeOf(options.runtime);
   settings.modelPath = options.model;
@@ -235,8 +266,15 @@ int runWith(const RunOptions& options) {
   const std::string processingName = processing->getProcessingName();
   std::printf("processing: %s (%s)\n", processingName.c_str(), pluginPath.c_str());
   std::printf("source: %s\n", sequence->description.c_str());
-  std::printf("host: resource type %u, rotation %u, crop %d,%d %ux%u, %s\n", options.resourceType, options.rotation,
-              settings.crop.pos.x, settings.crop.pos.y, settings.crop.size.w, settings.crop.size.h,
+  const bool replay = !settings.replayed.empty();
+  const tvr_crop_t& crop = replay ? settings.replayed[0].source.crop : settings.crop;
+  const int turn = replay ? settings.replayed[0].rotation : -1;  // 1, 2, 3: a quarter, half, three quarter turn
+  const std::string rotation = !replay ? "rotation " + std::to_string(options.rotation)
+                               : turn >= 0 && turn <= 3 ? "rotation " + std::to_string(90 * turn)
+                                                        : "rotation value " + std::to_string(turn);
+  std::printf("host: resource type %u, %s%s, crop %d,%d %ux%u%s, %s\n", options.resourceType,
+              replay ? "each frame's own input record (the first: " : "", rotation.c_str(), crop.pos.x, crop.pos.y,
+              crop.size.w, crop.size.h, replay ? ")" : "",
               options.model ? ("model " + *options.model).c_str() : "the plugin's own model");
   std::fflush(stdout);
   Progress progress(stderr, isatty(STDERR_FILENO) != 0, settings.frames);

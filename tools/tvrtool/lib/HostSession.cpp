@@ -139,7 +139,8 @@ SessionResult runHost(const PluginLibrary& plugin, hvx::IProcessing& processing,
 
   const Nv12Frame& first = sequence.frames.front();
   if (result.failure.empty()) {
-    const tvr_static_param_t stream{{TVR_FORMAT_NV12, {first.width, first.height}, first.stride, first.scanline}};
+    const tvr_static_param_t stream = settings.stream.value_or(
+        tvr_static_param_t{{TVR_FORMAT_NV12, {first.width, first.height}, first.stride, first.scanline}});
     const tvr_err_t initialize = processing.initialize(&stream);
     report("initialize", initialize);
     if (initialize != TVR_OK) result.failure = "initialize failed with " + statusText(initialize);
@@ -148,9 +149,15 @@ SessionResult runHost(const PluginLibrary& plugin, hvx::IProcessing& processing,
   if (result.failure.empty()) {
     // Every record the frames need, made before the first.
     std::vector<tvr_image_buf_t> records;
-    for (const Nv12Frame& frame : sequence.frames) records.push_back(frameRecord(frame, settings.crop));
     std::vector<tvr_input_param_t> inputs;
-    for (const tvr_image_buf_t& record : records) inputs.push_back({settings.rotation, &record});
+    for (size_t i = 0; i < sequence.frames.size(); ++i) {
+      const Nv12Frame& frame = sequence.frames[i];
+      records.push_back(settings.replayed.empty() ? frameRecord(frame, settings.crop) : settings.replayed[i].source);
+      records.back().buf.p_base = const_cast<uint8_t*>(frame.bytes.data());
+    }
+    for (size_t i = 0; i < records.size(); ++i) {
+      inputs.push_back({settings.replayed.empty() ? settings.rotation : settings.replayed[i].rotation, &records[i]});
+    }
     const tvr_err_t apply = applyFrames(plugin, processing, settings, inputs, result, progress, results, trace);
     progress.finish();
     if (apply == TVR_OK) {

@@ -5,9 +5,11 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "FrameLoader.h"
 #include "FrameTimings.h"
+#include "ParameterDumpReader.h"
 #include "PluginLibrary.h"
 #include "Progress.h"
 #include "ResultsFile.h"
@@ -25,6 +27,10 @@ struct HostSettings {
   tvr_crop_t crop{};    // inside the frames
   uint32_t frames = 1;  // applied in turn from the sequence, which starts again when it ends
   DebugApplies debug = DebugApplies::None;
+  // A replay: each frame of the sequence with the record a device's host gave it (rotation, crop
+  // and the rest: `rotation` and `crop` are then unused), and the stream's record for initialize.
+  std::vector<DumpedInput> replayed;
+  std::optional<tvr_static_param_t> stream;
 };
 
 struct SessionResult {

@@ -94,7 +94,7 @@ const std::vector<OptionDefinition>& runOptionDefinitions() {
       {"height", 0, true},       {"stride", 0, true},        {"scanline", 0, true}, {"rotation", 'r', true},
       {"crop", 0, true},         {"model", 'm', true},       {"runtime", 0, true},  {"frames", 'n', true},
       {"log-level", 0, true},    {"debug", 0, true},         {"trace", 0, true},    {"results", 0, true},
-      {"output", 'o', true},     {"help", 'h', false},
+      {"output", 'o', true},     {"replay", 0, true},        {"help", 'h', false},
   };
   return definitions;
 }
@@ -121,6 +121,9 @@ std::string parseRunOptions(const std::vector<std::string>& args, RunOptions& op
   if (error.empty()) error = readWords(arguments, options);
   if (!error.empty()) return error;
   const bool sized = options.width || options.height || options.stride || options.scanline;
+  if (arguments.has("replay") && (options.source || sized || arguments.has("crop") || arguments.has("rotation"))) {
+    return "--replay takes the frames, their layout, crop and rotation from the dumps";
+  }
   if (sized && (!options.source || endsWith(*options.source, ".png") || endsWith(*options.source, ".y4m"))) {
     return "--width, --height, --stride and --scanline describe NV12 frames";
   }
@@ -131,6 +134,7 @@ std::string parseRunOptions(const std::vector<std::string>& args, RunOptions& op
     }
   }
   for (auto [name, into] : {std::pair{"processing", &options.processing}, {"model", &options.model},
+                            {"replay", &options.replayDir},
                             {"debug", &options.debugDir}, {"trace", &options.traceFile},
                             {"results", &options.resultsFile}, {"output", &options.outputDir}}) {
     if (!arguments.has(name)) continue;

@@ -22,6 +22,7 @@ struct RunOptions {
   uint32_t resourceType = 0;
   std::vector<std::pair<std::string, std::string>> pluginOptions;  // --option KEY=VALUE, in order
   std::optional<std::string> source;  // the frames (a file or a folder); default: the built-in chart
+  std::optional<std::string> replayDir;  // a device's dump folder: frames with their input records
   std::optional<uint32_t> width, height, stride, scanline;  // NV12 files, when their names do not tell
   uint32_t rotation = 0;                                     // degrees clockwise: 0, 90, 180 or 270
   std::optional<CropRect> crop;                              // default: the whole frame
