@@ -5,9 +5,12 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <atomic>
 #include <cctype>
 #include <map>
+#include <set>
 #include <sstream>
+#include <thread>
 
 #include "ToolProcess.h"
 
@@ -87,6 +90,56 @@ TEST_F(RunTest, PluginGetsTheCropTheOptionsTheSameFrameAgainAndOneDebugApplyForP
   expectEveryCallSucceeded(result, 3);
   EXPECT_TRUE(has(result.out, "processing: LumaProcessing (" TEST_PLUGIN_GOOD ")\n")) << result.out;
   EXPECT_TRUE(has(result.out, "\nresult: frame 3, luma 60, 1 debug\npictures: none")) << result.out;
+}
+
+// A processing that sleeps 5 ms in each apply, traced while two threads keep both cores busy:
+// each slice has the time its marker was written, so no apply is shorter than its sleep and no two
+// frames begin at one instant. The frame count bounds the test, not the clock.
+TEST_F(RunTest, TraceTimesEverySliceWhenItsMarkerWasWrittenWhileBothCoresAreBusy) {
+  std::atomic<bool> done{false};
+  std::vector<std::thread> load;
+  for (int i = 0; i < 2; ++i) {
+    load.emplace_back([&done] {
+      for (volatile uint64_t n = 0; !done.load(std::memory_order_relaxed);) n = n + 1;
+    });
+  }
+  const Result result = run({"--processing", TEST_PLUGIN_GOOD, "--option", "sleep-ms=5", "--frames", "20", "--trace",
+                             path("trace.json"), write("frame_64x48.nv12", grayFrame(0))});
+  done = true;
+  for (std::thread& thread : load) thread.join();
+  expectEveryCallSucceeded(result, 20);
+
+  std::vector<double> begins, ends, frameMs;     // apply's slices (µs) and the frame time counter (ms)
+  std::vector<std::pair<double, double>> sleeps;  // the plugin's stage: start and duration (µs)
+  std::set<int64_t> namedThreads, applyThreads;
+  std::string process;
+  const nlohmann::json trace = nlohmann::json::parse(tvrtool::test::readFile(path("trace.json")));
+  for (const nlohmann::json& event : trace.at("traceEvents")) {
+    const std::string phase = event.at("ph"), name = event.at("name");
+    if (name == "process_name") process = event.at("args").at("name");
+    if (name == "thread_name") namedThreads.insert(event.at("tid").get<int64_t>());
+    const bool apply = name.size() > 9 && name.substr(name.size() - 9) == "::apply()";
+    if (apply) (phase == "B" ? begins : ends).push_back(event.at("ts"));
+    if (apply) applyThreads.insert(event.at("tid").get<int64_t>());
+    if (phase == "X" && name == "sleep") sleeps.emplace_back(event.at("ts"), event.at("dur"));
+    if (phase == "C") frameMs.push_back(event.at("args").at("ms"));
+  }
+  EXPECT_EQ(process, "tvrtool run: LumaProcessing");
+  EXPECT_EQ(applyThreads.size(), 1u);
+  EXPECT_TRUE(std::includes(namedThreads.begin(), namedThreads.end(), applyThreads.begin(), applyThreads.end()));
+  ASSERT_EQ(begins.size(), 20u);
+  ASSERT_EQ(ends.size(), 20u);
+  ASSERT_EQ(sleeps.size(), 20u);
+  ASSERT_EQ(frameMs.size(), 20u);
+  for (size_t i = 0; i < 20; ++i) {
+    EXPECT_GE(ends[i] - begins[i], 5000.0) << "apply " << i + 1;
+    EXPECT_GE(sleeps[i].second, 5000.0) << "sleep " << i + 1;
+    EXPECT_TRUE(sleeps[i].first >= begins[i] && sleeps[i].first + sleeps[i].second <= ends[i]) << "sleep " << i + 1;
+    EXPECT_GE(frameMs[i], 5.0) << "frame " << i + 1;
+    if (i > 0) {
+      EXPECT_GE(begins[i] - begins[i - 1], 5000.0) << "apply " << i + 1;
+    }
+  }
 }
 
 // Five frames of luma 16, 56, ... 176 from each kind of sequence; each gives one result line.
