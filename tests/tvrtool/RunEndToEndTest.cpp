@@ -176,6 +176,11 @@ INSTANTIATE_TEST_SUITE_P(Sources, SequenceTest, ::testing::Values("nv12", "folde
 TEST_F(RunTest, BadPluginsAndInputsAreRefusedInOneLineBeforeSetup) {
   const std::string frame = write("frame_64x48.nv12", grayFrame(0)), text = write("notes.so", "not a library");
   const std::string blocked = write("file", "") + "/below";
+  // Dump folders to replay: without source frames, without their records, with a garbled record.
+  write("no-source/input_param.csv", "Input parameter,\n,rotation,0\n,p_src,NULL\n");
+  write("no-records/10_source_64x48.nv12", grayFrame(0));
+  write("garbled/10_source_64x48.nv12", grayFrame(0));
+  write("garbled/input_param.csv", "Input parameter,\n,rotation,x\n");
   const std::vector<std::tuple<std::vector<std::string>, int, std::string>> cases = {
       {{"--processing", text}, 1, text + ": not a shared library"},
       {{"--processing", TEST_PLUGIN_NO_FACTORY}, 1, TEST_PLUGIN_NO_FACTORY ": not a processing plugin: it has no tivora_create_processing"},
@@ -188,6 +193,10 @@ TEST_F(RunTest, BadPluginsAndInputsAreRefusedInOneLineBeforeSetup) {
       {{"--results", blocked, frame}, 1, "cannot write the results " + blocked},
       {{"--trace", blocked, frame}, 1, "cannot write " + blocked},
       {{"-o", blocked, frame}, 1, blocked},
+      {{"--replay", path("no-source")}, 2, path("no-source") + ": no source frames to replay"},
+      {{"--replay", path("no-records")}, 1, path("no-records/input_param.csv") + ": no such file"},
+      {{"--replay", path("garbled")}, 1, path("garbled/input_param.csv") + ": line 2: rotation 'x' is not a number"},
+      {{"--replay", path("garbled"), "--rotation", "90"}, 2, "--replay takes the frames, their layout, crop and rotation"},
   };
   for (const auto& [args, status, reason] : cases) {
     const Result result = run(args);

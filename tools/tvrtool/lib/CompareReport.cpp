@@ -99,7 +99,7 @@ CompareReport compareReport(const std::vector<std::string>& stages, const std::v
     const bool any = t.compared > 0;
     report.table += row({stage, t.format, t.size, std::to_string(t.compared) + "/" + std::to_string(t.pairs),
                          std::to_string(t.over), any ? numberText(t.maxAbs) : "-", meanText(t.sumMean, t.samples),
-                         any ? psnrText(t.minPsnr) : "-", std::to_string(t.differing),
+                         any ? psnrText(t.minPsnr) : "-", any ? std::to_string(t.differing) : "-",
                          (t.first.empty() ? "-" : t.first) + (parts ? "   <- the runs part here" : "")});
     for (size_t i = 0; i < t.components.size() && t.over > 0; ++i) {
       const ComponentDifference& c = t.components[i];
@@ -108,12 +108,14 @@ CompareReport compareReport(const std::vector<std::string>& stages, const std::v
     }
   }
 
-  size_t unpaired = 0, over = 0;
+  size_t unpaired = 0, over = 0, onlyA = 0, onlyB = 0;
   std::string notCompared;
   for (const PairOutcome& outcome : outcomes) {
     if (outcome.difference && outcome.difference->maxAbs > tolerance) ++over;
     if (outcome.problem.empty()) continue;
     ++unpaired;
+    onlyA += outcome.pair.b == nullptr ? 1 : 0;
+    onlyB += outcome.pair.a == nullptr ? 1 : 0;
     notCompared += "  frame " + std::to_string(outcome.pair.frame) + " " + outcome.pair.stage + ": " + outcome.problem + "\n";
   }
   if (!notCompared.empty()) report.table += "\nnot compared:\n" + notCompared;
@@ -123,7 +125,11 @@ CompareReport compareReport(const std::vector<std::string>& stages, const std::v
   if (report.same) {
     report.verdict = "the runs agree: " + std::to_string(compared) + " pairs within " + tolerated;
   } else if (compared == 0) {
-    report.verdict = "nothing paired: " + std::to_string(unpaired) + " dumps without a partner";
+    const size_t unusable = unpaired - onlyA - onlyB;
+    report.verdict = "nothing compared:";
+    for (const auto& [count, what] : {std::pair{onlyA, " only in A"}, {onlyB, " only in B"}, {unusable, " pairs that cannot be"}}) {
+      if (count != 0) report.verdict += (report.verdict.back() == ':' ? " " : ", ") + std::to_string(count) + what;
+    }
   } else {
     report.verdict = (parting.empty() ? "no pair exceeds " + tolerated : "the runs part at " + parting) + "; " +
                      std::to_string(over) + " of " + std::to_string(compared) + " pairs exceed " + tolerated +
