@@ -78,6 +78,7 @@ TEST_F(CompareTest, DumpsThatDoNotPairAreListedAndFoldersThatCannotBeComparedAre
   write("b/21_rgb_3x2.rgb", std::string(6, 'r'));
   write("b/22_extra_4x2.y", std::string(8, 'y'));
   write("b/notes.txt", "not a dump");
+  write("b/11_source_4x2.png", "the picture tvrtool view makes of a dump");
   const Result result = compare({path("a"), path("b")});
   EXPECT_EQ(result.status, 1);
   for (const std::string& listed : {"frame 1 source: B " + path("b/11_source_4x2.nv12") + ": truncated: 5 bytes, not 12\n",

@@ -1,5 +1,5 @@
-// The library's fixed device paths (TIVORA_PATH_PREFIX + "/data/vendor/camera", the trace_marker
-// files) as `tvrtool run` prepares them on a workstation, where it plays the camera host.
+// The library's fixed device paths (TIVORA_PATH_PREFIX + "/data/vendor/camera") as `tvrtool run`
+// prepares them on a workstation, where it plays the camera host.
 //
 // The logger reads its configuration once per process, on first use: prepare the tree BEFORE
 // constructing a processing.

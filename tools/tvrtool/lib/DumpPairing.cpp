@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <map>
 
+#include "Layout.h"
+
 namespace tvrtool {
 
 namespace {
@@ -31,7 +33,9 @@ std::vector<DumpFile> listDumps(const std::string& dir, std::string& error) {
   std::error_code code;
   for (const auto& entry : std::filesystem::directory_iterator(dir, code)) {
     FileName name = parseFileName(entry.path().filename().string());
-    if (name.kind == NameKind::Dump && entry.is_regular_file(code)) dumps.push_back({entry.path().string(), name});
+    // A dump's picture (tvrtool view writes <dump>.png beside it) is no dump.
+    const bool dump = name.kind == NameKind::Dump && formatNamed(name.extension).has_value();
+    if (dump && entry.is_regular_file(code)) dumps.push_back({entry.path().string(), name});
   }
   if (code) error = dir + ": cannot read the folder: " + code.message();
   std::sort(dumps.begin(), dumps.end(), [](const DumpFile& x, const DumpFile& y) {

@@ -28,8 +28,9 @@ struct Pairing {
   std::vector<DumpPair> pairs;      // by frame, then stage
 };
 
-// The dump files in `dir` (<boot ns>_<name>_<stride>x<height>.<format>; other files are passed
-// over), in time order. On failure `error` says why.
+// The dump files in `dir` (<boot ns>_<name>_<stride>x<height>.<format>, of a format tvrtool reads;
+// other files, the PNGs of `tvrtool view` among them, are passed over), in time order. On failure
+// `error` says why.
 std::vector<DumpFile> listDumps(const std::string& dir, std::string& error);
 
 // Pairs the dumps of runs A and B, both lists in time order. The stages come in the order their
