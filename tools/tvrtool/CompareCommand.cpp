@@ -131,7 +131,8 @@ int run(const std::vector<std::string>& args) {
   const std::string &dirA = arguments.operands[0], &dirB = arguments.operands[1];
   for (const std::string& dir : {dirA, dirB}) {
     std::error_code code;
-    if (!fs::is_directory(dir, code)) return usage(dir + ": " + (fs::exists(dir, code) ? "not a folder" : "no such folder"));
+    if (!fs::is_directory(dir, code))
+      return usage(dir + ": " + (fs::exists(dir, code) ? "not a folder" : "no such folder"));
   }
   const std::vector<DumpFile> dumpsA = listDumps(dirA, error);
   const std::vector<DumpFile> dumpsB = error.empty() ? listDumps(dirB, error) : std::vector<DumpFile>{};

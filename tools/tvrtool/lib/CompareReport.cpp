@@ -15,7 +15,7 @@ struct StageTotals {
   size_t pairs = 0, compared = 0, over = 0;
   uint64_t samples = 0, differing = 0;
   double maxAbs = 0, sumMean = 0, minPsnr = std::numeric_limits<double>::infinity();
-  std::string first;  // "frame 2: x 0, y 4, c0"
+  std::string first;                            // "frame 2: x 0, y 4, c0"
   std::vector<ComponentDifference> components;  // summed over the frames
   std::vector<std::string> componentFirst;
 };
@@ -33,7 +33,8 @@ std::string row(const std::vector<std::string>& cells) {
   std::string line;
   for (size_t i = 0; i < cells.size(); ++i) {
     line += cells[i];
-    if (i + 1 < cells.size()) line += std::string(std::max<size_t>(1, widths[i] + 1 - std::min(widths[i], cells[i].size())), ' ');
+    if (i + 1 < cells.size())
+      line += std::string(std::max<size_t>(1, widths[i] + 1 - std::min(widths[i], cells[i].size())), ' ');
   }
   return line + "\n";
 }
@@ -116,7 +117,8 @@ CompareReport compareReport(const std::vector<std::string>& stages, const std::v
     ++unpaired;
     onlyA += outcome.pair.b == nullptr ? 1 : 0;
     onlyB += outcome.pair.a == nullptr ? 1 : 0;
-    notCompared += "  frame " + std::to_string(outcome.pair.frame) + " " + outcome.pair.stage + ": " + outcome.problem + "\n";
+    notCompared +=
+        "  frame " + std::to_string(outcome.pair.frame) + " " + outcome.pair.stage + ": " + outcome.problem + "\n";
   }
   if (!notCompared.empty()) report.table += "\nnot compared:\n" + notCompared;
   const std::string tolerated = "tolerance " + numberText(tolerance);
@@ -127,7 +129,8 @@ CompareReport compareReport(const std::vector<std::string>& stages, const std::v
   } else if (compared == 0) {
     const size_t unusable = unpaired - onlyA - onlyB;
     report.verdict = "nothing compared:";
-    for (const auto& [count, what] : {std::pair{onlyA, " only in A"}, {onlyB, " only in B"}, {unusable, " pairs that cannot be"}}) {
+    for (const auto& [count, what] :
+         {std::pair{onlyA, " only in A"}, {onlyB, " only in B"}, {unusable, " pairs that cannot be"}}) {
       if (count != 0) report.verdict += (report.verdict.back() == ':' ? " " : ", ") + std::to_string(count) + what;
     }
   } else {

@@ -15,8 +15,8 @@ namespace tvrtool {
 
 struct PairOutcome {
   DumpPair pair;
-  std::string format, size;  // as the dumps' names give them ("nv12", "1920x1080"), A's when both
-  std::string problem;       // why the pair was not compared ("only in A", "B is truncated: ..."), else ""
+  std::string format, size;              // as the dumps' names give them ("nv12", "1920x1080"), A's when both
+  std::string problem;                   // why the pair was not compared ("only in A", "B is truncated: ..."), else ""
   std::optional<Difference> difference;  // when compared (its heat map may have been dropped)
 };
 

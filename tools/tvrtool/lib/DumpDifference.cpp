@@ -84,8 +84,8 @@ std::optional<DumpSamples> dumpSamples(const FileName& name, uint64_t fileBytes,
     case PixelFormat::Nv12:
     case PixelFormat::Nv21: {
       // The whole allocation: more luma rows than the picture has when the file says so.
-      const uint64_t rows = fileBytes * 2 % (3ull * stride) == 0 ? std::max<uint64_t>(fileBytes * 2 / (3ull * stride), height)
-                                                                : height;
+      const uint64_t rows =
+          fileBytes * 2 % (3ull * stride) == 0 ? std::max<uint64_t>(fileBytes * 2 / (3ull * stride), height) : height;
       samples.bytes = uint64_t{stride} * rows * 3 / 2;
       const bool nv12 = *format == PixelFormat::Nv12;
       samples.components = {{"Y", 0, stride, height, stride, 1, 1},

@@ -23,7 +23,7 @@ struct SampleComponent {
 
 // How a dump's bytes are read as samples.
 struct DumpSamples {
-  bool isFloat = false;  // 32-bit floats, else bytes
+  bool isFloat = false;            // 32-bit floats, else bytes
   uint32_t width = 0, height = 0;  // the picture, in pixels
   uint64_t bytes = 0;              // what the file must hold
   std::vector<SampleComponent> components;

@@ -52,8 +52,8 @@ Pairing pairDumps(const std::vector<DumpFile>& a, const std::vector<DumpFile>& b
     const std::string& stage = inB.order[i];
     if (inA.dumps.count(stage) != 0) continue;
     // Every stage B took before this one is in the list by now.
-    const auto before = i == 0 ? pairing.stages.begin()
-                               : std::find(pairing.stages.begin(), pairing.stages.end(), inB.order[i - 1]) + 1;
+    const auto before =
+        i == 0 ? pairing.stages.begin() : std::find(pairing.stages.begin(), pairing.stages.end(), inB.order[i - 1]) + 1;
     pairing.stages.insert(before, stage);
   }
   static const std::vector<const DumpFile*> kNone;

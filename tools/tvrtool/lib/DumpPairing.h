@@ -17,9 +17,9 @@ struct DumpFile {
 };
 
 struct DumpPair {
-  size_t frame;        // 1, 2, ...: the place of the dumps among their name's, in time order
-  std::string stage;   // the buffer name ("source", "network_input")
-  const DumpFile* a;   // null when only the other run has it
+  size_t frame;       // 1, 2, ...: the place of the dumps among their name's, in time order
+  std::string stage;  // the buffer name ("source", "network_input")
+  const DumpFile* a;  // null when only the other run has it
   const DumpFile* b;
 };
 

@@ -47,7 +47,8 @@ std::optional<ParameterDump> readRecords(const fs::path& path, bool required, st
   std::ostringstream text;
   text << in.rdbuf();
   if (!in) {
-    error = path.string() + (fs::exists(path, code) ? ": cannot be read" : ": no such file (the frames' input records)");
+    error =
+        path.string() + (fs::exists(path, code) ? ": cannot be read" : ": no such file (the frames' input records)");
     return std::nullopt;
   }
   std::optional<ParameterDump> dump = readParameterDump(text.str(), error);
@@ -57,8 +58,8 @@ std::optional<ParameterDump> readRecords(const fs::path& path, bool required, st
 
 std::string layoutOf(const tvr_image_buf_t& image) {
   const std::string format = tivora::convert(image.format);
-  return (format.empty() ? "format " + std::to_string(image.format) : format) + " " + std::to_string(image.size.w) + "x" +
-         std::to_string(image.size.h) + " (stride " + std::to_string(image.stride) + ", scanline " +
+  return (format.empty() ? "format " + std::to_string(image.format) : format) + " " + std::to_string(image.size.w) +
+         "x" + std::to_string(image.size.h) + " (stride " + std::to_string(image.stride) + ", scanline " +
          std::to_string(image.scanline) + ")";
 }
 
@@ -88,7 +89,8 @@ std::optional<Nv12Frame> readFrame(const SourceDump& dump, const DumpedInput& re
 
 }  // namespace
 
-std::optional<Replay> loadReplay(const std::string& dir, uint32_t maxFrames, ReplayFailure& failure, std::string& error) {
+std::optional<Replay> loadReplay(const std::string& dir, uint32_t maxFrames, ReplayFailure& failure,
+                                 std::string& error) {
   failure = ReplayFailure::Refused;
   std::error_code code;
   if (!fs::is_directory(dir, code)) {
@@ -102,14 +104,15 @@ std::optional<Replay> loadReplay(const std::string& dir, uint32_t maxFrames, Rep
   }
   if (dumps.empty()) {
     failure = ReplayFailure::NoSourceFrames;
-    error = dir + ": no source frames to replay (dumps named <boot ns>_source_<stride>x<height>.nv12: switch "
-                  "DumpSource on)";
+    error = dir +
+            ": no source frames to replay (dumps named <boot ns>_source_<stride>x<height>.nv12: switch "
+            "DumpSource on)";
     return std::nullopt;
   }
   const fs::path inputPath = fs::path(dir) / kInputRecords;
   const std::optional<ParameterDump> inputs = readRecords(inputPath, true, error);
-  const std::optional<ParameterDump> streams = inputs ? readRecords(fs::path(dir) / kStreamRecords, false, error)
-                                                      : std::nullopt;
+  const std::optional<ParameterDump> streams =
+      inputs ? readRecords(fs::path(dir) / kStreamRecords, false, error) : std::nullopt;
   if (!streams) return std::nullopt;
 
   Replay replay{};

@@ -25,6 +25,7 @@ enum class ReplayFailure { None, NoSourceFrames, Refused };
 
 // The first `maxFrames` frames of the folder `dir`. On failure returns nothing, sets `failure`,
 // and `error` is one line for the user that names the file and the reason.
-std::optional<Replay> loadReplay(const std::string& dir, uint32_t maxFrames, ReplayFailure& failure, std::string& error);
+std::optional<Replay> loadReplay(const std::string& dir, uint32_t maxFrames, ReplayFailure& failure,
+                                 std::string& error);
 
 }  // namespace tvrtool

@@ -15,12 +15,12 @@ namespace tvrtool {
 struct TraceEvent {
   static constexpr size_t kNameSize = 72;
 
-  char phase;        // 'B' begin, 'E' end, 'X' a slice with its duration, 'C' a counter value,
-                     // 'M' the name of the thread `tid`
-  int64_t pid, tid;  // the writing process and thread
-  int64_t timeNs;    // CLOCK_MONOTONIC
-  int64_t durationNs;  // 'X' only
-  double value;        // 'C' only
+  char phase;            // 'B' begin, 'E' end, 'X' a slice with its duration, 'C' a counter value,
+                         // 'M' the name of the thread `tid`
+  int64_t pid, tid;      // the writing process and thread
+  int64_t timeNs;        // CLOCK_MONOTONIC
+  int64_t durationNs;    // 'X' only
+  double value;          // 'C' only
   char name[kNameSize];  // NUL-terminated
 
   void setName(std::string_view text);
