@@ -10,12 +10,11 @@ namespace tivora {
 extern std::atomic<const TraceMarkerSink*> gTraceMarkerSink;
 
 // The sink to hand a marker to, or null for the file. The common case, no sink, is one relaxed
-// load; a sink found is made visible with its fields by the fence, which pairs with the release
-// store of setTraceMarkerSink.
+// load; only when there is one, an acquire load (pairing with setTraceMarkerSink's release store)
+// takes it with its fields, or null should it have gone in between.
 inline const TraceMarkerSink* installedTraceMarkerSink() {
-  const TraceMarkerSink* sink = gTraceMarkerSink.load(std::memory_order_relaxed);
-  if (sink != nullptr) std::atomic_thread_fence(std::memory_order_acquire);
-  return sink;
+  if (gTraceMarkerSink.load(std::memory_order_relaxed) == nullptr) return nullptr;
+  return gTraceMarkerSink.load(std::memory_order_acquire);
 }
 
 }  // namespace tivora
