@@ -24,8 +24,8 @@ struct Scaling {
   uint32_t dstWidth, dstHeight, dstStride;
 
   void plane(libyuv::FilterMode filter) const {
-    libyuv::ScalePlane(src, toInt(srcStride), toInt(srcWidth), toInt(srcHeight), dst, toInt(dstStride),
-                       toInt(dstWidth), toInt(dstHeight), filter);
+    libyuv::ScalePlane(src, toInt(srcStride), toInt(srcWidth), toInt(srcHeight), dst, toInt(dstStride), toInt(dstWidth),
+                       toInt(dstHeight), filter);
   }
 
   void interleaved(libyuv::FilterMode filter) const {
@@ -39,8 +39,8 @@ struct Scaling {
                          toInt(srcHeight));
     Scaling{cb, srcWidth, srcHeight, srcWidth, scaledCb, dstWidth, dstHeight, dstWidth}.plane(filter);
     Scaling{cr, srcWidth, srcHeight, srcWidth, scaledCr, dstWidth, dstHeight, dstWidth}.plane(filter);
-    libyuv::MergeUVPlane(scaledCb, toInt(dstWidth), scaledCr, toInt(dstWidth), dst, toInt(dstStride),
-                         toInt(dstWidth), toInt(dstHeight));
+    libyuv::MergeUVPlane(scaledCb, toInt(dstWidth), scaledCr, toInt(dstWidth), dst, toInt(dstStride), toInt(dstWidth),
+                         toInt(dstHeight));
   }
 };
 
