@@ -8,6 +8,7 @@
 // 16 pixels and leave the rest of the row to the reference.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace tivora::image {
@@ -36,10 +37,18 @@ inline void normaliseInterleavedC(const uint8_t* src, float* dst, uint32_t pixel
   }
 }
 
-inline void normalisePlanarC(const uint8_t* src, float* const planes[3], uint32_t pixels, const RowNormalisation& n) {
-  for (uint32_t p = 0; p < pixels; ++p, src += 3) {
-    for (int k = 0; k < 3; ++k) planes[k][p] = normalised(src[sampleOf(k, n.reverse)], n.mean[k], n.scale[k]);
+// Pixels [first, pixels) of a planar row: the reference does a whole row, the vector kernels the
+// end of one.
+inline void normalisePlanarFrom(uint32_t first, const uint8_t* src, float* const planes[3], uint32_t pixels,
+                                const RowNormalisation& n) {
+  for (uint32_t p = first; p < pixels; ++p) {
+    const uint8_t* pixel = src + 3 * std::size_t{p};
+    for (int k = 0; k < 3; ++k) planes[k][p] = normalised(pixel[sampleOf(k, n.reverse)], n.mean[k], n.scale[k]);
   }
+}
+
+inline void normalisePlanarC(const uint8_t* src, float* const planes[3], uint32_t pixels, const RowNormalisation& n) {
+  normalisePlanarFrom(0, src, planes, pixels, n);
 }
 
 #if defined(__aarch64__)

@@ -27,6 +27,15 @@ inline Channel normalise(uint8x16_t in, float mean, float scale) {
                   normalise(vget_low_u16(high), vmean, vscale), normalise(vget_high_u16(high), vmean, vscale)}};
 }
 
+// Named stores, not a loop over an array of channels: a run-time index would send the vectors
+// through the stack.
+inline void store(float* dst, const Channel& c) {
+  vst1q_f32(dst, c.lane[0]);
+  vst1q_f32(dst + 4, c.lane[1]);
+  vst1q_f32(dst + 8, c.lane[2]);
+  vst1q_f32(dst + 12, c.lane[3]);
+}
+
 // The order is a template argument so that the loop picks its lanes by constant index (a run-time
 // index would send the de-interleaved vectors through the stack).
 template <bool kReverse>
@@ -62,14 +71,11 @@ void normalisePlanarNeon(const uint8_t* src, float* const planes[3], uint32_t pi
   uint32_t p = 0;
   for (; p + 16 <= pixels; p += 16, src += 48) {
     const uint8x16x3_t rgb = vld3q_u8(src);
-    const Channel c[3] = {normalise(rgb.val[0], mean[0], scale[0]), normalise(rgb.val[1], mean[1], scale[1]),
-                          normalise(rgb.val[2], mean[2], scale[2])};
-    for (int k = 0; k < 3; ++k) {
-      for (int i = 0; i < 4; ++i) vst1q_f32(out[k] + p + 4 * i, c[k].lane[i]);
-    }
+    store(out[0] + p, normalise(rgb.val[0], mean[0], scale[0]));
+    store(out[1] + p, normalise(rgb.val[1], mean[1], scale[1]));
+    store(out[2] + p, normalise(rgb.val[2], mean[2], scale[2]));
   }
-  float* const rest[3] = {planes[0] + p, planes[1] + p, planes[2] + p};
-  normalisePlanarC(src, rest, pixels - p, n);
+  normalisePlanarFrom(p, src - 3 * p, planes, pixels, n);
 }
 
 }  // namespace tivora::image

@@ -54,8 +54,7 @@ TVR_SSSE3 void normalisePlanarSsse3(const uint8_t* src, float* const planes[3], 
       }
     }
   }
-  float* const rest[3] = {planes[0] + p, planes[1] + p, planes[2] + p};
-  normalisePlanarC(src, rest, pixels - p, n);
+  normalisePlanarFrom(p, src - 3 * p, planes, pixels, n);
 }
 
 }  // namespace tivora::image

@@ -22,8 +22,8 @@ function(check_kernel object function)
       message(FATAL_ERROR "${object}: the NEON kernel lacks an instruction matching '${pattern}'")
     endif()
   endforeach()
-  # The de-interleaved vectors must stay in registers: no vector spill to the stack in the loop.
-  if(listing MATCHES "st1\t{v[0-9]+\\.16b-v[0-9]+\\.16b}, \\[sp")
+  # The vectors must stay in registers: no vector spill to the stack.
+  if(listing MATCHES "(st1\t{v[0-9]+\\.16b-v[0-9]+\\.16b}|st[rp]\tq[0-9]+,( q[0-9]+,)?) \\[sp")
     message(FATAL_ERROR "${object}: the NEON kernel spills its vectors to the stack")
   endif()
   if(listing MATCHES "\t(fmla|fmls|fmadd|fmsub|fnmadd|fnmsub)\t")
