@@ -63,28 +63,14 @@ void scale(const char* name, const Scaling& s, bool interleaved, libyuv::FilterM
 
 }  // namespace
 
-extern "C" void fcvScaleDownMNu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                 uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride) {
-  scale("fcvScaleDownMNu8", {src, srcWidth, srcHeight, srcStride, dst, dstWidth, dstHeight, dstStride}, false,
-        libyuv::kFilterBox);
-}
+// The four entry points share their eight parameters and differ in layout and filter only.
+#define TVR_SCALE_ENTRY(name, interleaved, filter)                                                                  \
+  extern "C" void name(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst, \
+                       uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride) {                                 \
+    scale(#name, {src, srcWidth, srcHeight, srcStride, dst, dstWidth, dstHeight, dstStride}, interleaved, filter);  \
+  }
 
-extern "C" void fcvScaleDownMNInterleaveu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
-                                           uint32_t srcStride, uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight,
-                                           uint32_t dstStride) {
-  scale("fcvScaleDownMNInterleaveu8", {src, srcWidth, srcHeight, srcStride, dst, dstWidth, dstHeight, dstStride}, true,
-        libyuv::kFilterBox);
-}
-
-extern "C" void fcvScaleUpPolyu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                 uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride) {
-  scale("fcvScaleUpPolyu8", {src, srcWidth, srcHeight, srcStride, dst, dstWidth, dstHeight, dstStride}, false,
-        libyuv::kFilterBilinear);
-}
-
-extern "C" void fcvScaleUpPolyInterleaveu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
-                                           uint32_t srcStride, uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight,
-                                           uint32_t dstStride) {
-  scale("fcvScaleUpPolyInterleaveu8", {src, srcWidth, srcHeight, srcStride, dst, dstWidth, dstHeight, dstStride}, true,
-        libyuv::kFilterBilinear);
-}
+TVR_SCALE_ENTRY(fcvScaleDownMNu8, false, libyuv::kFilterBox)
+TVR_SCALE_ENTRY(fcvScaleDownMNInterleaveu8, true, libyuv::kFilterBox)
+TVR_SCALE_ENTRY(fcvScaleUpPolyu8, false, libyuv::kFilterBilinear)
+TVR_SCALE_ENTRY(fcvScaleUpPolyInterleaveu8, true, libyuv::kFilterBilinear)
