@@ -7,6 +7,7 @@
 #include "SNPEParam.h"
 #include "ScopedTrace.h"
 #include "TivoraBase.h"
+#include "TivoraLogPriority.h"
 #include "TivoraLogger.h"
 #include "TivoraPlugin.h"
 #include "TivoraUtil.h"

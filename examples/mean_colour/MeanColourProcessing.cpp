@@ -60,6 +60,7 @@ tvr_err_t MeanColourProcessing::setupImpl(const void* createParam) {
                          ((mConfig.inputWidth | mConfig.inputHeight) & 1u) == 0;
   if (create->dlc_num < 1 || !evenInput || mConfig.divisor == 0) return TVR_ERR_INVALID_ARG;
   mDebug.loadConfig(kDebugConfigFile);  // optional: dumps stay off without it
+  if (!mDumpDir.empty()) mDebug.dumpEverythingTo(mDumpDir);
   deleteNetworkBuffers();               // a second setup replaces the buffers of the first
 
   SNPEParam param(create, kNetwork);
@@ -198,6 +199,7 @@ tvr_err_t MeanColourProcessing::processFrame(const tvr_input_param_t* input, Mea
 
   // Split: the crop into planes of its own size.
   int64_t start = now();
+  mTimes.splitStart = start;
   mY->size = {cropW, cropH};
   mCC->size = {cropW, cropH / 2};
   tvr_err_t status = splitYUV420SP(frame, mY, mCC);
@@ -207,6 +209,7 @@ tvr_err_t MeanColourProcessing::processFrame(const tvr_input_param_t* input, Mea
 
   // Scale to the network's size (before a quarter turn, its transpose), then turn and colour.
   start = end;
+  mTimes.nv12ToRgbStart = start;
   const uint32_t targetW = turn ? mConfig.inputHeight : mConfig.inputWidth;
   const uint32_t targetH = turn ? mConfig.inputWidth : mConfig.inputHeight;
   mDownY->size = {std::min(cropW, targetW), std::min(cropH, targetH)};  // shrink each axis too large...
@@ -229,13 +232,15 @@ tvr_err_t MeanColourProcessing::processFrame(const tvr_input_param_t* input, Mea
   mTimes.nv12ToRgb = end - start;
 
   start = end;
+  mTimes.rgbToFloatStart = start;
   status = convertRGB888ToFloat(mRgb, mTensor, mConfig.mean, mConfig.divisor, mConfig.order);
   if (status != TVR_OK) return status;
   end = now();
   mTimes.rgbToFloat = end - start;
   if (dump) mDebug.dumpBufferByKey("network_input", mRgb, "DumpNetworkInput", "rgb");
 
-  start = end;
+  start = dump ? now() : end;  // the dump is no part of the execution
+  mTimes.executeStart = start;
   status = executeSNPE(kNetwork);
   if (status != TVR_OK) return status;
   mTimes.execute = now() - start;

@@ -12,11 +12,7 @@ using tvrtool::Subcommand;
 
 // In the order the help lists them.
 const std::vector<const Subcommand*>& subcommands() {
-  static const std::vector<const Subcommand*> all = {
-#ifdef TVRTOOL_WITH_RUN  // a build without examples/ has no processing to run
-      &tvrtool::runCommand(),
-#endif
-      &tvrtool::viewCommand()};
+  static const std::vector<const Subcommand*> all = {&tvrtool::runCommand(), &tvrtool::viewCommand()};
   return all;
 }
 

@@ -5,19 +5,17 @@
 // constructing a processing.
 #pragma once
 
-#include <optional>
 #include <string>
 
 namespace tvrtool {
 
 struct DeviceSetup {
-  bool trace = false;                       // TivoraTrace=true in the logger's configuration
-  std::optional<std::string> dumpDir;       // absolute; switches the sample processing's dumps on
+  char logLevel = 'W';  // TivoraLogLevel: V, D, I, W or E
+  bool trace = false;   // TivoraTrace=true
 };
 
-// Writes the logger's configuration into the camera directory (so the logger has a data
-// directory) and the sample processing's debug configuration beside it, or removes a debug
-// configuration a previous run left. Returns a message for the user, or "".
+// Writes the logger's configuration into the camera directory (which also makes it the logger's
+// data directory). Returns a message for the user, or "".
 std::string prepareDevice(const DeviceSetup& setup);
 
 // Where the library writes its trace markers.
