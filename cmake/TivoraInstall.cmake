@@ -1,7 +1,8 @@
 # What `cmake --install` puts where, relative to the prefix:
 #   bin/                         tvrtool
 #   lib/                         libvexa_tivorabase.so; on a host build the stand-ins libSNPE.so and
-#                                libfastcvopt.so (a device build links the vendor's)
+#                                libfastcvopt.so (a device build links the vendor's), and the NN
+#                                runtime stand-in's snpe_onnx_probe beside it
 #   lib/tivorabase/plugins/      the bundled processing plugins, found by tvrtool from its own folder
 #   lib/cmake/tivorabase/        the CMake package: find_package(tivorabase CONFIG), tivora::tivorabase
 #   lib/pkgconfig/tivorabase.pc
@@ -53,6 +54,10 @@ endfunction()
 function(tivora_install_platform name standin imported folder)
   if(TIVORA_${name}_STANDIN)
     tivora_install(${standin} ${CMAKE_INSTALL_LIBDIR})
+    # The NN runtime's stand-in tries each ONNX model in this program first, found beside itself.
+    if(name STREQUAL "SNPE" AND TARGET snpe_onnx_probe)
+      tivora_install(snpe_onnx_probe ${CMAKE_INSTALL_LIBDIR})
+    endif()
     install(DIRECTORY ${PROJECT_SOURCE_DIR}/platform/include/${folder}/
             DESTINATION ${TIVORA_INSTALL_INCLUDEDIR}/platform/${folder})
     string(APPEND TIVORA_PC_CFLAGS " -I\${includedir}/tivorabase/platform/${folder}")

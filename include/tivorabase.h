@@ -3,6 +3,7 @@
 #pragma once
 
 #include "ChannelNormalisation.h"
+#include "NetworkBinding.h"
 #include "SNPEMgr.h"
 #include "SNPEParam.h"
 #include "ScopedTrace.h"

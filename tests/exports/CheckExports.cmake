@@ -43,6 +43,7 @@ foreach(required
     "tivora::SNPEMgr::getInstance()"
     "tivora::SNPEMgr::mSingleLock"
     "tivora::SNPEMgr::execute(unsigned int)"
+    "tivora::NetworkBinding::bind()"
     "vtable for tivora::SNPEMgr"
     "tivora::TivoraBase::TivoraBase(unsigned int)"
     "tivora::TivoraBase::executeSNPE(unsigned int)"
