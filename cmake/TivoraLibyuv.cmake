@@ -5,9 +5,9 @@
 if(ANDROID OR TARGET Tivora::libyuv)
   return()
 endif()
-find_library(TIVORA_LIBYUV_LIBRARY NAMES libyuv.so
+find_library(TIVORA_LIBYUV_SHARED_LIBRARY NAMES libyuv.so
              PATHS /usr/lib/${CMAKE_LIBRARY_ARCHITECTURE} NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
-if(NOT TIVORA_LIBYUV_LIBRARY OR NOT EXISTS /usr/include/libyuv/scale_uv.h)
+if(NOT TIVORA_LIBYUV_SHARED_LIBRARY OR NOT EXISTS /usr/include/libyuv/scale_uv.h)
   message(FATAL_ERROR "libyuv for ${CMAKE_LIBRARY_ARCHITECTURE} was not found. "
                       "Install Debian's libyuv-dev for this architecture (scripts/setup does).")
 endif()
@@ -16,5 +16,5 @@ file(MAKE_DIRECTORY ${_libyuv_include})
 file(CREATE_LINK /usr/include/libyuv ${_libyuv_include}/libyuv SYMBOLIC)
 add_library(Tivora::libyuv UNKNOWN IMPORTED GLOBAL)
 set_target_properties(Tivora::libyuv PROPERTIES
-  IMPORTED_LOCATION "${TIVORA_LIBYUV_LIBRARY}"
+  IMPORTED_LOCATION "${TIVORA_LIBYUV_SHARED_LIBRARY}"
   INTERFACE_INCLUDE_DIRECTORIES "${_libyuv_include}")
