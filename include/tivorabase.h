@@ -2,6 +2,7 @@
 // Include this one header to get the whole public API.
 #pragma once
 
+#include "ChannelNormalisation.h"
 #include "NetworkBinding.h"
 #include "SNPEMgr.h"
 #include "SNPEParam.h"

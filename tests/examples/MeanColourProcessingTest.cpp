@@ -68,10 +68,11 @@ class MeanColourProcessingTest : public tivora::test::DeviceTest {
   }
 
   static void expectColour(const MeanColourOutput& output, const Rgb& rgb, const std::string& what) {
-    // mean 128, divisor 128: the network reports (channel - 128) / 128.
-    EXPECT_NEAR(output.mean_rgb[0] * 128 + 128, rgb.r, 2.5) << what;
-    EXPECT_NEAR(output.mean_rgb[1] * 128 + 128, rgb.g, 2.5) << what;
-    EXPECT_NEAR(output.mean_rgb[2] * 128 + 128, rgb.b, 2.5) << what;
+    // mean 128, divisor 128: the network reports (channel - 128) / 128. The image library's box
+    // filter (libyuv's) truncates, which may cost each of Y, Cb and Cr a level: red moves by 3.4.
+    EXPECT_NEAR(output.mean_rgb[0] * 128 + 128, rgb.r, 4) << what;
+    EXPECT_NEAR(output.mean_rgb[1] * 128 + 128, rgb.g, 4) << what;
+    EXPECT_NEAR(output.mean_rgb[2] * 128 + 128, rgb.b, 4) << what;
   }
 
   static constexpr tivora::SNPEMgr::TVRResourceType kType = 3;

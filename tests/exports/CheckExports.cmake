@@ -60,6 +60,7 @@ foreach(required
     "tivora::TivoraBase::deleteImageBuf("
     "tivora::TivoraBase::convertNv12ToRgb888("
     "tivora::TivoraBase::convertRGB888ToFloat("
+    "tivora::convertRGB888ToNormalisedFloat("
     "tivora::TivoraBase::splitYUV420SP("
     "tivora::TivoraBase::splitYUV420P("
     "tivora::convert(tvr_rotation_t)"
