@@ -1,6 +1,7 @@
 // Cost of the per-frame image operations on 1080p frames, as ratios to baselines measured in the
 // same run:
 //   convertRGB888ToFloat (both channel orders)  vs  memcpy of the float output's bytes
+//   convertRGB888ToNormalisedFloat (both layouts) vs  the same memcpy
 //   splitYUV420SP / splitYUV420P of a crop       vs  memcpy of the same bytes
 //   convertNv12ToRgb888 with every stage         vs  libyuv's NV12ToRAW of the full frame
 // with the heap allocations each iteration makes (every malloc of the process is counted).
@@ -15,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "ChannelNormalisation.h"
 #include "MedianReporter.h"
 #include "TivoraBase.h"
 #include "fastcv_stub/FastcvControl.h"
@@ -103,6 +105,24 @@ void BM_RgbToFloat(benchmark::State& state) {
   setBytes(state, kFloatBytes);
 }
 BENCHMARK(BM_RgbToFloat)->ArgName("reverse")->Arg(0)->Arg(1);
+
+// ImageNet's normalisation into BGR floats, as an ONNX model (planar) or the device runtime
+// (interleaved) takes them.
+void BM_NormaliseToFloat(benchmark::State& state) {
+  static tvr_image_buf_t* rgb = filled(kWidth * 3, kHeight, kWidth * 3, TVR_FORMAT_YUV420SP_UV_UBWC, 1);
+  static std::vector<float> memory(kFloatBytes / sizeof(float));
+  const auto layout = static_cast<tivora::TensorLayout>(state.range(0));
+  const tivora::FloatTensor tensor{memory.data(), kFloatBytes, kWidth, kHeight, layout, tivora::ChannelOrder::kBgr};
+  const tivora::ChannelNormalisation imageNet{{123.675f, 116.28f, 103.53f}, {1 / 58.395f, 1 / 57.12f, 1 / 57.375f}};
+  const long before = gMallocs.load();
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(tivora::convertRGB888ToNormalisedFloat(rgb, tensor, imageNet));
+    benchmark::ClobberMemory();
+  }
+  countMallocs(state, before);
+  setBytes(state, kFloatBytes);
+}
+BENCHMARK(BM_NormaliseToFloat)->ArgName("planar")->Arg(0)->Arg(1);
 
 // --- Plane splitting -----------------------------------------------------------------------------
 
@@ -235,6 +255,8 @@ class RatioReporter : public tivora::bench::MedianReporter {
     std::printf("\n%-32s %-24s %8s  %s\n", "operation", "baseline", "ratio", "goal");
     row("BM_RgbToFloat/reverse:0", "BM_MemcpyFloatOutput", "<= 1.0");
     row("BM_RgbToFloat/reverse:1", "BM_MemcpyFloatOutput", "<= 1.0");
+    row("BM_NormaliseToFloat/planar:0", "BM_MemcpyFloatOutput", "<= 1.0");
+    row("BM_NormaliseToFloat/planar:1", "BM_MemcpyFloatOutput", "<= 1.0");
     row("BM_SplitYUV420SP", "BM_MemcpySplitBytes", "<= 1.1");
     row("BM_SplitYUV420P", "BM_MemcpySplitBytes", "<= 1.1");
     row("BM_Nv12ToRgb/allstages:0", "BM_LibyuvNV12ToRAW", "reported");

@@ -21,56 +21,20 @@ if(ANDROID)
   endif()
 endif()
 
-# --- Android log library ---------------------------------------------------------------------
-if(ANDROID)
-  find_library(TIVORA_LIBLOG_LIBRARY log REQUIRED)
-  add_library(Tivora::liblog INTERFACE IMPORTED)
-  set_target_properties(Tivora::liblog PROPERTIES INTERFACE_LINK_LIBRARIES "${TIVORA_LIBLOG_LIBRARY}")
-else()
-  if(NOT CMAKE_LIBRARY_ARCHITECTURE)
-    message(FATAL_ERROR "CMAKE_LIBRARY_ARCHITECTURE is unknown; cannot locate the Debian multiarch liblog")
-  endif()
-  find_path(TIVORA_LIBLOG_INCLUDE_DIR android/log.h
-            PATHS /usr/include/android NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
-  find_library(TIVORA_LIBLOG_LIBRARY log
-               PATHS /usr/lib/${CMAKE_LIBRARY_ARCHITECTURE}/android NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
-  if(NOT TIVORA_LIBLOG_INCLUDE_DIR OR NOT TIVORA_LIBLOG_LIBRARY)
-    message(FATAL_ERROR "The Android log library for ${CMAKE_LIBRARY_ARCHITECTURE} was not found. "
-                        "Install Debian's android-liblog-dev for this architecture (scripts/setup does).")
-  endif()
-  add_library(Tivora::liblog UNKNOWN IMPORTED)
-  set_target_properties(Tivora::liblog PROPERTIES
-    IMPORTED_LOCATION "${TIVORA_LIBLOG_LIBRARY}"
-    INTERFACE_INCLUDE_DIRECTORIES "${TIVORA_LIBLOG_INCLUDE_DIR}")
-endif()
+include(${CMAKE_CURRENT_LIST_DIR}/TivoraPlatformLibraries.cmake)
 
-# Makes `target` the vendor's library `lib` (found in `lib_dirs`) with the header `header` (found in
-# `include_dirs`), or stops naming what the SDK at `root` lacks.
-function(tivora_import_vendor target root header include_dirs lib lib_dirs)
-  string(MAKE_C_IDENTIFIER "${target}" id)
-  find_path(${id}_INCLUDE_DIR ${header} PATHS ${include_dirs} NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
-  find_library(${id}_LIBRARY ${lib} PATHS ${lib_dirs} NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
-  if(NOT ${id}_INCLUDE_DIR OR NOT ${id}_LIBRARY)
-    message(FATAL_ERROR "${root} does not hold ${header} (looked in ${include_dirs}) "
-                        "and lib${lib}.so (looked in ${lib_dirs})")
-  endif()
-  add_library(${target} SHARED IMPORTED GLOBAL)
-  set_target_properties(${target} PROPERTIES
-    IMPORTED_LOCATION "${${id}_LIBRARY}"
-    INTERFACE_INCLUDE_DIRECTORIES "${${id}_INCLUDE_DIR}")
-endfunction()
+# --- Android log library ---------------------------------------------------------------------
+tivora_find_liblog(Tivora::liblog _tivora_error)
+if(_tivora_error)
+  message(FATAL_ERROR "${_tivora_error}")
+endif()
 
 # --- NN runtime ------------------------------------------------------------------------------
 if(SNPE_ROOT)
-  if(ANDROID)
-    set(_snpe_lib_dir "${SNPE_ROOT}/lib/aarch64-android")
-  elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
-    set(_snpe_lib_dir "${SNPE_ROOT}/lib/x86_64-linux-clang")
-  else()
-    message(FATAL_ERROR "SNPE_ROOT has no runtime library for ${CMAKE_SYSTEM_NAME}/${CMAKE_SYSTEM_PROCESSOR}")
+  tivora_import_snpe(Tivora::SNPE "${SNPE_ROOT}" _tivora_error)
+  if(_tivora_error)
+    message(FATAL_ERROR "${_tivora_error}")
   endif()
-  tivora_import_vendor(Tivora::SNPE "SNPE_ROOT=${SNPE_ROOT}" SNPE/SNPEUtil.h "${SNPE_ROOT}/include/SNPE"
-                       SNPE "${_snpe_lib_dir}")
   set(TIVORA_SNPE_STANDIN OFF)
 else()
   add_subdirectory(platform/snpe)
@@ -80,8 +44,10 @@ endif()
 
 # --- Image library ---------------------------------------------------------------------------
 if(FASTCV_ROOT)
-  tivora_import_vendor(Tivora::FastCV "FASTCV_ROOT=${FASTCV_ROOT}" fastcv.h "${FASTCV_ROOT}/inc;${FASTCV_ROOT}/include"
-                       fastcvopt "${FASTCV_ROOT}/lib;${FASTCV_ROOT}/lib64;${FASTCV_ROOT}/lib/aarch64-android")
+  tivora_import_fastcv(Tivora::FastCV "${FASTCV_ROOT}" _tivora_error)
+  if(_tivora_error)
+    message(FATAL_ERROR "${_tivora_error}")
+  endif()
   set(TIVORA_FASTCV_STANDIN OFF)
 else()
   add_subdirectory(platform/fastcv)

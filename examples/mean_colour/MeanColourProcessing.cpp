@@ -60,6 +60,7 @@ tvr_err_t MeanColourProcessing::setupImpl(const void* createParam) {
                          ((mConfig.inputWidth | mConfig.inputHeight) & 1u) == 0;
   if (create->dlc_num < 1 || !evenInput || mConfig.divisor == 0) return TVR_ERR_INVALID_ARG;
   mDebug.loadConfig(kDebugConfigFile);  // optional: dumps stay off without it
+  if (!mDumpDir.empty()) mDebug.dumpEverythingTo(mDumpDir);
   deleteNetworkBuffers();               // a second setup replaces the buffers of the first
 
   SNPEParam param(create, kNetwork);
@@ -198,6 +199,7 @@ tvr_err_t MeanColourProcessing::processFrame(const tvr_input_param_t* input, Mea
 
   // Split: the crop into planes of its own size.
   int64_t start = now();
+  mTimes.splitStart = start;
   mY->size = {cropW, cropH};
   mCC->size = {cropW, cropH / 2};
   tvr_err_t status = splitYUV420SP(frame, mY, mCC);
@@ -207,6 +209,7 @@ tvr_err_t MeanColourProcessing::processFrame(const tvr_input_param_t* input, Mea
 
   // Scale to the network's size (before a quarter turn, its transpose), then turn and colour.
   start = end;
+  mTimes.nv12ToRgbStart = start;
   const uint32_t targetW = turn ? mConfig.inputHeight : mConfig.inputWidth;
   const uint32_t targetH = turn ? mConfig.inputWidth : mConfig.inputHeight;
   mDownY->size = {std::min(cropW, targetW), std::min(cropH, targetH)};  // shrink each axis too large...
@@ -229,16 +232,32 @@ tvr_err_t MeanColourProcessing::processFrame(const tvr_input_param_t* input, Mea
   mTimes.nv12ToRgb = end - start;
 
   start = end;
+  mTimes.rgbToFloatStart = start;
   status = convertRGB888ToFloat(mRgb, mTensor, mConfig.mean, mConfig.divisor, mConfig.order);
   if (status != TVR_OK) return status;
   end = now();
   mTimes.rgbToFloat = end - start;
-  if (dump) mDebug.dumpBufferByKey("network_input", mRgb, "DumpNetworkInput", "rgb");
+  if (dump) {
+    mDebug.dumpBufferByKey("network_input", mRgb, "DumpNetworkInput", "rgb");
+    mDebug.dumpBufferByKey("network_tensor", mTensor, "DumpNetworkTensor", "f32");
+  }
 
-  start = end;
+  start = dump ? now() : end;  // the dump is no part of the execution
+  mTimes.executeStart = start;
   status = executeSNPE(kNetwork);
   if (status != TVR_OK) return status;
   mTimes.execute = now() - start;
+  if (dump) {
+    // The network's answer as a 1 x 1 float RGB picture: 3 floats, "network_output_3x1.f32".
+    tvr_image_buf_t answer{};
+    answer.buf.p_base = reinterpret_cast<uint8_t*>(mResult.data());
+    answer.buf.buf_size = static_cast<uint32_t>(sizeof mResult);
+    answer.format = kPlane;
+    answer.size = {3, 1};
+    answer.stride = 3;
+    answer.scanline = 1;
+    mDebug.dumpBufferByKey("network_output", &answer, "DumpNetworkOutput", "f32");
+  }
 
   if (output != nullptr) {
     std::copy(mResult.begin(), mResult.end(), output->mean_rgb);

@@ -36,12 +36,17 @@ struct MeanColourOutput {
   uint32_t frame;      // frames applied so far, this one included
 };
 
-// Time spent in each stage of the last apply, in nanoseconds of the monotonic clock.
+// Time spent in each stage of the last apply, in nanoseconds of the monotonic clock, and when
+// each stage began (CLOCK_MONOTONIC), so that a trace can place it inside the apply.
 struct StageTimes {
   int64_t split = 0;
   int64_t nv12ToRgb = 0;
   int64_t rgbToFloat = 0;
   int64_t execute = 0;
+  int64_t splitStart = 0;
+  int64_t nv12ToRgbStart = 0;
+  int64_t rgbToFloatStart = 0;
+  int64_t executeStart = 0;
 };
 
 // The network and how the processing prepares its input. The input tensor must be
@@ -59,15 +64,27 @@ struct MeanColourConfig {
 class MeanColourProcessing : public TivoraBase {
  public:
   // Debug configuration read at setup from the logger's data directory: "DataDir=<folder>" and
-  // the dump keys "DumpSource" (the host's frame), "DumpNetworkInput" (the RGB picture the network
-  // saw); value "true" switches a dump on. With debugging on, every debug apply also appends the
-  // input record to "input_param.csv" in the data directory.
+  // a dump key per stage of a frame, value "true" switching it on:
+  //   DumpSource         the host's frame, as it lies in memory   source_<stride>x<height>.nv12
+  //   DumpNetworkInput   the RGB picture the network sees          network_input_<3w>x<h>.rgb
+  //   DumpNetworkTensor  that picture as the network's floats      network_tensor_<3w>x<h>.f32
+  //   DumpNetworkOutput  the network's answer, 3 floats            network_output_3x1.f32
+  // With debugging on, every debug apply also appends the input record to "input_param.csv" in
+  // the data directory, so that `tvrtool run --replay` can give each frame its record again.
   static constexpr const char* kDebugConfigFile = "MeanColourDebug.dat";
 
   explicit MeanColourProcessing(SNPEMgr::TVRResourceType resourceType, MeanColourConfig config = {});
   ~MeanColourProcessing() override;
 
   const char* getProcessingName() override { return "MeanColourProcessing"; }
+
+  // The configuration; a new one takes effect at the next setup.
+  const MeanColourConfig& config() const { return mConfig; }
+  void setConfig(const MeanColourConfig& config) { mConfig = config; }
+
+  // From the next setup on, every dump is on and goes to `dir` (absolute, without a blank),
+  // whatever the debug configuration file says; an empty `dir` leaves dumps to that file.
+  void setDumpDirectory(const std::string& dir) { mDumpDir = dir; }
 
   // After an apply: the time of each stage, and the RGB888 image the network saw (size.w is three
   // times the input width). Null before initialize.
@@ -100,10 +117,17 @@ class MeanColourProcessing : public TivoraBase {
   class Debug : public DebugBase {
    public:
     std::string pathOf(const std::string& name) const { return mDataDir + "/" + name; }
+    void dumpEverythingTo(const std::string& dir) {
+      mConfig = {{"DumpSource", "true"}, {"DumpNetworkInput", "true"}, {"DumpNetworkTensor", "true"},
+                 {"DumpNetworkOutput", "true"}};
+      mDataDir = dir;
+      mDebugEnabled = true;
+    }
   };
 
   MeanColourConfig mConfig;
   Debug mDebug;
+  std::string mDumpDir;
   StageTimes mTimes;
   uint32_t mFrames = 0;
 

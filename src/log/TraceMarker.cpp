@@ -5,6 +5,7 @@
 
 #include "DevicePaths.h"
 #include "ScopedTrace.h"
+#include "TraceMarkerSink.h"
 
 namespace tivora {
 
@@ -29,6 +30,12 @@ void writeMarker(bool begin, const char* className, const char* functionName) {
   int length = begin ? snprintf(marker, sizeof marker, "B|%d|%s::%s()|0", getpid(), className, functionName)
                      : snprintf(marker, sizeof marker, "E|%d|%s::%s()|0", getpid(), className, functionName);
   if (!gTracingOn) return;
+  // snprintf reports the untruncated length; only what fits in the buffer is written.
+  if (length > static_cast<int>(sizeof marker) - 1) length = static_cast<int>(sizeof marker) - 1;
+  if (const TraceMarkerSink* sink = installedTraceMarkerSink()) {
+    if (length > 0) sink->write(sink->context, marker, static_cast<size_t>(length));
+    return;
+  }
 
   int fd;
   {
@@ -36,8 +43,6 @@ void writeMarker(bool begin, const char* className, const char* functionName) {
     fd = markerFdLocked();
   }
   if (fd == -1 || length <= 0) return;
-  // snprintf reports the untruncated length; only what fits in the buffer is written.
-  if (length > static_cast<int>(sizeof marker) - 1) length = static_cast<int>(sizeof marker) - 1;
   const ssize_t written = write(fd, marker, static_cast<size_t>(length));
   (void)written;  // a lost marker is not worth a report
 }

@@ -85,12 +85,13 @@ class MeanColourTest : public tivora::test::DeviceTest {
     }
   }
   // The network's answer for a picture of one colour: the image library's RGB for it, normalised as
-  // the sample does ((c - 128) / 128).
+  // the sample does ((c - 128) / 128). The box filter (libyuv's) truncates, which may cost each of
+  // Y, Cb and Cr a level when the frame is scaled: red moves by 3.4.
   void expectColour(Yuv c, const std::string& what) {
     const uint8_t luma[4] = {c.y, c.y, c.y, c.y}, chroma[2] = {c.cb, c.cr};
     uint8_t rgb[12];
     fcvColorYCbCr420PseudoPlanarToRGB888u8(luma, chroma, 2, 2, 2, 2, rgb, 6);
-    for (size_t i = 0; i < 3; ++i) EXPECT_NEAR(output.mean_rgb[i], (rgb[i] - 128) / 128.0, 0.5 / 128) << what << i;
+    for (size_t i = 0; i < 3; ++i) EXPECT_NEAR(output.mean_rgb[i], (rgb[i] - 128) / 128.0, 4.0 / 128) << what << i;
   }
 
   const int live = snpe_stub::liveCount();

@@ -1,11 +1,15 @@
-// Helpers for tests of the NN runtime's host stand-in: owning handles, model files, a fixture that
-// starts from a reset stand-in and checks that every object was released.
+// Helpers for tests of the NN runtime's host stand-in: owning handles, model files, user buffers,
+// and a fixture that starts from a reset stand-in and checks that every object was released.
 #pragma once
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include <fstream>
+#include <initializer_list>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "DlContainer/DlContainer.h"
@@ -24,11 +28,9 @@ namespace standin {
 // channel_mean over a 4x5 image of 3 channels.
 inline constexpr const char* kMeanModel =
     "TIVORA-HOST-DLC 1\nversion: mean-colour-1.0\ninput: image 1x4x5x3\noutput: mean 1x3\nop: channel_mean\n";
-
 // copy of 2x3 elements into a tensor of another shape, and a second output the op leaves alone.
 inline constexpr const char* kCopyModel =
     "TIVORA-HOST-DLC 1\nversion: copy-2.1\ninput: in 2x3\noutput: out 3x2\noutput: side 4\nop: copy\n";
-
 inline constexpr const char* kNoneModel = "TIVORA-HOST-DLC 1\nversion: none-0\ninput: in 4\noutput: out 4\nop: none\n";
 
 template <auto Delete>
@@ -50,26 +52,82 @@ using Encoding = Owned<Snpe_UserBufferEncodingFloat_Delete>;
 using UserBuffer = Owned<Snpe_IUserBuffer_Delete>;
 using BufferMap = Owned<Snpe_UserBufferMap_Delete>;
 
-// Writes `text` to a file of that name in the test program's model directory; returns its path.
-std::string writeFile(const std::string& name, const std::string& text);
+// Writes a file of that name beside the test program (ctest's working directory); returns its path.
+inline std::string writeFile(const std::string& name, const std::string& bytes) {
+  mkdir("platform_models", 0700);
+  const std::string path = "platform_models/" + name;
+  std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
+  return path;
+}
 
-Container openText(const std::string& text);
+inline Container open(const std::string& bytes) {
+  return Container(Snpe_DlContainer_OpenBuffer(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()));
+}
 
-// A network of the model `text`, on the runtimes in order (none: the builder's default).
-Network build(const std::string& text, const std::vector<Snpe_Runtime_t>& runtimes = {});
+// A network of the model in `bytes`, on the runtimes in order (none: the builder's default), with
+// the given output layers (none: the model's outputs).
+inline Network build(const std::string& bytes, const std::vector<Snpe_Runtime_t>& runtimes = {},
+                     const std::vector<std::string>& layers = {}) {
+  Container container = open(bytes);
+  Builder builder(Snpe_SNPEBuilder_Create(container.get()));
+  if (!builder) return Network();
+  RuntimeList list(Snpe_RuntimeList_Create());
+  for (Snpe_Runtime_t runtime : runtimes) EXPECT_EQ(Snpe_RuntimeList_Add(list.get(), runtime), SNPE_SUCCESS);
+  if (!runtimes.empty()) {
+    EXPECT_EQ(Snpe_SNPEBuilder_SetRuntimeProcessorOrder(builder.get(), list.get()), SNPE_SUCCESS);
+  }
+  StringList names(Snpe_StringList_Create());
+  for (const std::string& layer : layers) Snpe_StringList_Append(names.get(), layer.c_str());
+  EXPECT_EQ(Snpe_SNPEBuilder_SetOutputLayers(builder.get(), names.get()), SNPE_SUCCESS);
+  return Network(Snpe_SNPEBuilder_Build(builder.get()));
+}
 
-// A float user buffer over `memory` with the given byte strides.
-UserBuffer floatBuffer(void* memory, size_t bytes, const std::vector<size_t>& strides);
+// A float user buffer over `memory` with the given byte strides; or over all of `memory`, packed.
+inline UserBuffer floatBuffer(void* memory, size_t bytes, const std::vector<size_t>& strides) {
+  Shape shape(Snpe_TensorShape_CreateDimsSize(strides.data(), strides.size()));
+  Encoding encoding(Snpe_UserBufferEncodingFloat_Create());
+  return UserBuffer(Snpe_Util_CreateUserBuffer(memory, bytes, shape.get(), encoding.get()));
+}
 
-std::vector<std::string> strings(Snpe_StringList_Handle_t list);
+inline UserBuffer packedBuffer(std::vector<float>& memory, const std::vector<size_t>& dims) {
+  std::vector<size_t> strides(dims.size());
+  size_t stride = sizeof(float);
+  for (size_t i = dims.size(); i-- > 0; stride *= dims[i]) strides[i] = stride;
+  return floatBuffer(memory.data(), memory.size() * sizeof(float), strides);
+}
+
+inline BufferMap bufferMap(std::initializer_list<std::pair<std::string, const UserBuffer*>> entries) {
+  BufferMap map(Snpe_UserBufferMap_Create());
+  for (const auto& [name, buffer] : entries) Snpe_UserBufferMap_Add(map.get(), name.c_str(), buffer->get());
+  return map;
+}
+
+inline std::vector<std::string> outputNames(Snpe_SNPE_Handle_t network) {
+  StringList list(Snpe_SNPE_GetOutputTensorNames(network));
+  std::vector<std::string> names;
+  for (size_t i = 0; i < Snpe_StringList_Size(list.get()); ++i) names.emplace_back(Snpe_StringList_At(list.get(), i));
+  return names;
+}
+
+inline std::vector<size_t> inputDims(Snpe_SNPE_Handle_t network, const std::string& name) {
+  Shape shape(Snpe_SNPE_GetInputDimensions(network, name.c_str()));
+  const size_t* dims = Snpe_TensorShape_GetDimensions(shape.get());
+  return dims ? std::vector<size_t>(dims, dims + Snpe_TensorShape_Rank(shape.get())) : std::vector<size_t>();
+}
 
 inline std::string lastError() { return Snpe_ErrorCode_GetLastErrorString(); }
 
 // Starts from a reset stand-in; at the end every object the case created must be gone.
 class StandInTest : public ::testing::Test {
  protected:
-  void SetUp() override;
-  void TearDown() override;
+  void SetUp() override {
+    snpe_stub::reset();
+    ASSERT_EQ(snpe_stub::liveCount(), 0) << "an earlier case leaked objects";
+  }
+  void TearDown() override {
+    EXPECT_EQ(snpe_stub::liveCount(), 0) << "objects still alive";
+    snpe_stub::reset();
+  }
 };
 
 }  // namespace standin

@@ -1,250 +1,215 @@
-// `tvrtool run` as a camera engineer runs it: the real program on small frames, its statuses
-// read from its output, its picture decoded with libpng and its trace parsed as JSON.
-//
-// Usage: tvrtool_run_tests [gtest flags] COMMAND...   (the command that runs tvrtool, with the
-// emulator first in a cross build). Each run writes the build's device files: never run two at once.
+// `tvrtool run` as a camera engineer runs it: the real program hosting a tiny test plugin
+// (TestPlugin.cpp) and the bundled sample, on frame files, folders and streams; its statuses read
+// from its output, its pictures decoded with libpng, its trace parsed as JSON. Each run writes the
+// build's device files: never run two at once.
 #include <gtest/gtest.h>
-#include <png.h>
+#include <nlohmann/json.hpp>
 
+#include <atomic>
 #include <cctype>
-#include <filesystem>
-#include <fstream>
 #include <map>
+#include <set>
 #include <sstream>
-#include <string>
-#include <vector>
+#include <thread>
 
-#include "MiniJson.h"
 #include "ToolProcess.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using tvrtool::test::Json;
-using tvrtool::test::Png;
 using tvrtool::test::Result;
 
-std::vector<std::string> lines(const std::string& text) {
-  std::vector<std::string> all;
-  std::istringstream in(text);
-  for (std::string line; std::getline(in, line);) all.push_back(line);
-  return all;
-}
-
-// What the tool itself said on standard error; the library's log records (tag TVR) go there too.
-std::vector<std::string> toolErrors(const Result& result) {
-  std::vector<std::string> own;
-  for (const std::string& line : lines(result.err)) {
-    if (line.rfind("TVR ", 0) != 0 && line.rfind("apply: frame", 0) != 0) own.push_back(line);
+class RunTest : public tvrtool::test::CaseFolderTest {
+ protected:
+  Result run(std::vector<std::string> args) {
+    args.insert(args.begin(), "run");
+    return tool(args);
   }
-  return own;
-}
+};
 
 bool has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
-// "... -> colour R G B (...)" of the result line.
-std::vector<int> meanColourOf(const std::string& out) {
-  const size_t at = out.find("-> colour ");
-  if (at == std::string::npos) return {};
-  std::istringstream in(out.substr(at + 10));
-  std::vector<int> rgb(3);
-  in >> rgb[0] >> rgb[1] >> rgb[2];
-  return rgb;
-}
-
-// A 64x48 NV12 frame: the left half red (BT.601 video range), the right half blue.
-std::vector<uint8_t> redBlueFrame() {
-  std::vector<uint8_t> frame(64 * 48 * 3 / 2);
-  for (size_t row = 0; row < 48; ++row) {
-    for (size_t x = 0; x < 64; ++x) frame[row * 64 + x] = x < 32 ? 81 : 41;
-  }
-  for (size_t row = 0; row < 24; ++row) {
-    for (size_t x = 0; x < 64; x += 2) {
-      frame[64 * 48 + row * 64 + x] = x < 32 ? 90 : 240;
-      frame[64 * 48 + row * 64 + x + 1] = x < 32 ? 240 : 110;
-    }
-  }
-  return frame;
-}
-
-class RunTest : public ::testing::Test {
- protected:
-  void SetUp() override { dir = tvrtool::test::freshCaseDirectory("tvrtool_run"); }
-
-  Result run(std::vector<std::string> args) {
-    args.insert(args.begin(), "run");
-    return tvrtool::test::runTool(args, dir);
-  }
-
-  fs::path write(const std::string& name, const std::vector<uint8_t>& bytes) {
-    const fs::path path = dir / name;
-    std::ofstream(path, std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    return path;
-  }
-
-  Png readPng(const fs::path& path) {
-    Png png;
-    EXPECT_TRUE(tvrtool::test::decodePng(tvrtool::test::slurp(path), png)) << path;
-    return png;
-  }
-
-  fs::path dir;
-};
+// A 64x48 NV12 frame of one gray: luma 16 + 40 x `index`.
+std::string grayFrame(int index) { return std::string(64 * 48, char(16 + 40 * index)) + std::string(64 * 24, '\x80'); }
 
 void expectEveryCallSucceeded(const Result& result, uint32_t frames) {
   EXPECT_EQ(result.status, 0) << result.out << result.err;
-  for (const char* call : {"setup: ok", "initialize: ok", "abort: ok", "finalize: ok", "teardown: ok"}) {
-    EXPECT_TRUE(has(result.out, call + std::string("\n"))) << call << "\n" << result.out;
-  }
-  EXPECT_TRUE(has(result.out, "apply: ok (" + std::to_string(frames) + " frames)\n")) << result.out;
-  for (const char* stage : {"split", "NV12 to RGB", "RGB to float", "execute", "apply (total)"}) {
-    EXPECT_TRUE(has(result.out, "\n" + std::string(stage) + " ")) << stage << "\n" << result.out;
-  }
-  EXPECT_EQ(toolErrors(result), std::vector<std::string>{});
-}
-
-TEST_F(RunTest, ChartRunReportsEveryCallAndWritesThePictureAndABalancedTrace) {
-  const fs::path trace = dir / "trace.json";
-  const Result result = run({"--frames", "3", "--trace", trace, "-o", dir / "out"});
-  expectEveryCallSucceeded(result, 3);
-
-  const Png png = readPng(dir / "out" / "network_input_224x224.png");
-  EXPECT_EQ(png.width, 224u);
-  EXPECT_EQ(png.height, 224u);
-  EXPECT_EQ(png.channels, 3u);
-  EXPECT_TRUE(fs::exists(dir / "out" / "mean_colour_224x224.dlc"));
-
-  const std::optional<Json> json = tvrtool::test::parseJson(tvrtool::test::slurp(trace));
-  ASSERT_TRUE(json) << tvrtool::test::slurp(trace);
-  const Json* events = json->get("traceEvents");
-  ASSERT_TRUE(events != nullptr && events->kind == Json::Kind::Array);
-  // Every lifecycle call traced once, each frame's apply too; every begin closed by its end.
-  std::vector<std::string> open;
-  std::map<std::string, int> calls;
-  double lastTime = -1e300;
-  for (const Json& event : events->items) {
-    ASSERT_TRUE(event.get("name") && event.get("ph") && event.get("ts") && event.get("pid") && event.get("tid"));
-    const std::string& name = event.get("name")->text;
-    EXPECT_GE(event.get("ts")->number, lastTime) << name;
-    lastTime = event.get("ts")->number;
-    if (event.get("ph")->text == "B") {
-      open.push_back(name);
-      ++calls[name];
-    } else {
-      ASSERT_EQ(event.get("ph")->text, "E");
-      ASSERT_FALSE(open.empty()) << "an end without a begin: " << name;
-      EXPECT_EQ(open.back(), name);
-      open.pop_back();
-    }
-  }
-  EXPECT_TRUE(open.empty());
-  EXPECT_EQ(calls, (std::map<std::string, int>{{"MeanColourProcessing::setup()", 1},
-                                                {"MeanColourProcessing::initialize()", 1},
-                                                {"MeanColourProcessing::apply()", 3},
-                                                {"MeanColourProcessing::abort()", 1},
-                                                {"MeanColourProcessing::finalize()", 1},
-                                                {"MeanColourProcessing::teardown()", 1}}));
-}
-
-TEST_F(RunTest, Nv12FrameCroppedAndTurnedGivesTheCropsColour) {
-  const fs::path frame = write("frame_64x48.nv12", redBlueFrame());
-  const Result result = run({"--frames", "2", "--crop", "0,0,32,48", "--rotation", "90", "--input-size", "16x16",
-                             "-o", dir, frame});
-  expectEveryCallSucceeded(result, 2);
-  const std::vector<int> colour = meanColourOf(result.out);
-  ASSERT_EQ(colour.size(), 3u) << result.out;
-  EXPECT_NEAR(colour[0], 255, 3);
-  EXPECT_NEAR(colour[1], 0, 3);
-  EXPECT_NEAR(colour[2], 0, 3);
-  const Png png = readPng(dir / "network_input_16x16.png");
-  EXPECT_EQ(png.width, 16u);
-  EXPECT_EQ(png.height, 16u);
-}
-
-TEST_F(RunTest, DebugFolderReceivesEachFrameAndWhatTheNetworkSaw) {
-  const fs::path frame = write("frame.nv12", redBlueFrame());
-  const Result result = run({"--width", "64", "--height", "48", "--frames", "2", "--input-size", "16x8", "--debug",
-                             dir / "dumps", "-o", dir, frame});
-  expectEveryCallSucceeded(result, 2);
-  std::map<std::string, int> dumps;
-  for (const auto& entry : fs::directory_iterator(dir / "dumps")) {
-    // A dump's boot-time stamp differs from run to run; the record file has none.
-    const std::string name = entry.path().filename();
-    ++dumps[std::isdigit(static_cast<unsigned char>(name[0])) ? name.substr(name.find('_') + 1) : name];
-  }
-  EXPECT_EQ(dumps, (std::map<std::string, int>{
-                       {"source_64x48.nv12", 2}, {"network_input_48x8.rgb", 2}, {"input_param.csv", 1}}))
+  EXPECT_TRUE(has(result.out, "setup: ok\ninitialize: ok\napply: ok (" + std::to_string(frames) +
+                                  " frames)\nabort: ok\nfinalize: ok\nteardown: ok\n"))
       << result.out;
+  EXPECT_EQ(result.toolErrors(), std::vector<std::string>{});
 }
 
-TEST_F(RunTest, PngPictureWithOddSidesIsCutToEven) {
-  // 5x3 pixels of mid gray.
-  std::vector<uint8_t> pixels(5 * 3 * 3, 128);
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  image.width = 5;
-  image.height = 3;
-  image.format = PNG_FORMAT_RGB;
-  const fs::path path = dir / "gray.png";
-  ASSERT_NE(png_image_write_to_file(&image, path.c_str(), 0, pixels.data(), 0, nullptr), 0);
-  const Result result = run({"--frames", "1", "--input-size", "4x2", "-o", dir, path});
-  expectEveryCallSucceeded(result, 1);
-  EXPECT_TRUE(has(result.out, "PNG 5x3 cut to 4x2")) << result.out;
-  EXPECT_EQ(meanColourOf(result.out), (std::vector<int>{128, 128, 128})) << result.out;
+TEST_F(RunTest, BundledSampleTakesItsOptionsAndIsTimedTracedLoggedAndDumped) {
+  // The chart's 75% red bar, turned, at 16x16, with red and blue swapped: the network sees blue.
+  const Result result = run({"--option", "input-size=16x16", "--option", "order=swap", "--rotation", "90", "--crop",
+                             "1200,0,240,240", "--frames", "3", "--trace", path("trace.json"), "--log-level", "D",
+                             "--debug", path("dumps"), "-o", path("out"), "--results", path("results.csv")});
+  expectEveryCallSucceeded(result, 3);
+  EXPECT_TRUE(has(result.out, "\nsplit ") && has(result.out, "\nexecute ") && has(result.out, "\napply (total) ")) << result.out;
+  int r = -1, g = -1, b = -1;
+  std::istringstream(result.out.substr(result.out.find("= colour ") + 9)) >> r >> g >> b;
+  EXPECT_LE(std::abs(r - 0) + std::abs(g - 0) + std::abs(b - 191), 6) << result.out;
+  EXPECT_TRUE(has(result.err, "[TVR DEBUG] MeanColourProcessing.convertNv12ToRgb888: Scale down")) << result.err;
+
+  std::map<std::string, int> files;
+  for (const auto& entry : fs::recursive_directory_iterator(dir)) {
+    const std::string name = entry.path().filename();  // a dump's stamp differs from run to run
+    ++files[std::isdigit(static_cast<unsigned char>(name[0])) ? name.substr(name.find('_') + 1) : name];
+  }
+  EXPECT_EQ(files, (std::map<std::string, int>{{"dumps", 1}, {"source_1920x1080.nv12", 3}, {"network_input_48x16.rgb", 3},
+                                               {"network_tensor_48x16.f32", 3}, {"network_output_3x1.f32", 3},
+                                               {"input_param.csv", 1}, {"out", 1}, {"source_1920x1080.png", 1},
+                                               {"network_input_48x16.png", 1}, {"network_tensor_48x16.png", 1},
+                                               {"network_output_3x1.png", 1}, {"trace.json", 1}, {"results.csv", 1}}));
+  tvrtool::test::Png png;
+  ASSERT_TRUE(tvrtool::test::readPng(path("out/network_input_48x16.png"), png));
+  EXPECT_EQ(png.width * 100 + png.height, 1616u);
+
+  // Every lifecycle call traced once, each frame's apply too, every begin ended.
+  std::map<std::string, int> begun, ended;
+  const nlohmann::json trace = nlohmann::json::parse(tvrtool::test::readFile(path("trace.json")));
+  for (const nlohmann::json& event : trace.at("traceEvents")) {
+    if (event.at("ph") != "B" && event.at("ph") != "E") continue;
+    const std::string name = event.at("name");
+    ++(event.at("ph") == "B" ? begun : ended)[name.substr(name.find("::") + 2)];
+  }
+  EXPECT_EQ(ended, begun);
+  EXPECT_EQ(begun, (std::map<std::string, int>{
+                       {"setup()", 1}, {"initialize()", 1}, {"apply()", 3}, {"abort()", 1}, {"finalize()", 1}, {"teardown()", 1}}));
+  EXPECT_EQ(tvrtool::test::lines(tvrtool::test::readFile(path("results.csv")))[0],
+            "frame,status,split ms,NV12 to RGB ms,RGB to float ms,execute ms,apply ms,result");
 }
 
-TEST_F(RunTest, RefusedFramesAreNamedOnOneLineBeforeTheProcessingStarts) {
-  const fs::path frame = write("frame.nv12", redBlueFrame());
-  const fs::path cut = write("cut_64x48.nv12", std::vector<uint8_t>(100));
-  const fs::path notPng = write("picture.png", {'n', 'o', 't', ' ', 'a', ' ', 'p', 'n', 'g'});
-  const std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
-      {{(dir / "missing.nv12").string()}, "no such file"},
-      {{cut}, "truncated"},
-      {{"--width", "32", "--height", "48", frame}, "the file has 4608 bytes"},
-      {{"--width", "64", "--height", "47", frame}, "even width and height"},
-      {{notPng}, "cannot read it as a PNG"},
-      {{"--crop", "40,0,32,48", "--width", "64", "--height", "48", frame}, "does not fit the 64x48 frame"},
+TEST_F(RunTest, PluginGetsTheCropTheOptionsTheSameFrameAgainAndOneDebugApplyForPictures) {
+  // Luma 16 left of x = 32, 56 right of it.
+  std::string frame = grayFrame(0);
+  for (size_t row = 0; row < 48; ++row) frame.replace(row * 64 + 32, 32, 32, char(56));
+  const Result result = run({"--processing", TEST_PLUGIN_GOOD, "--crop", "32,0,32,48", "--option", "offset=4",
+                             "--frames", "3", "-o", path("out"), write("frame_64x48.nv12", frame)});
+  expectEveryCallSucceeded(result, 3);
+  EXPECT_TRUE(has(result.out, "processing: LumaProcessing (" TEST_PLUGIN_GOOD ")\n")) << result.out;
+  EXPECT_TRUE(has(result.out, "\nresult: frame 3, luma 60, 1 debug\npictures: none")) << result.out;
+}
+
+// A processing that sleeps 5 ms in each apply, traced while two threads keep both cores busy:
+// each slice has the time its marker was written, so no apply is shorter than its sleep and no two
+// frames begin at one instant. The frame count bounds the test, not the clock.
+TEST_F(RunTest, TraceTimesEverySliceWhenItsMarkerWasWrittenWhileBothCoresAreBusy) {
+  std::atomic<bool> done{false};
+  std::vector<std::thread> load;
+  for (int i = 0; i < 2; ++i) {
+    load.emplace_back([&done] {
+      for (volatile uint64_t n = 0; !done.load(std::memory_order_relaxed);) n = n + 1;
+    });
+  }
+  const Result result = run({"--processing", TEST_PLUGIN_GOOD, "--option", "sleep-ms=5", "--frames", "20", "--trace",
+                             path("trace.json"), write("frame_64x48.nv12", grayFrame(0))});
+  done = true;
+  for (std::thread& thread : load) thread.join();
+  expectEveryCallSucceeded(result, 20);
+
+  std::vector<double> begins, ends, frameMs;     // apply's slices (µs) and the frame time counter (ms)
+  std::vector<std::pair<double, double>> sleeps;  // the plugin's stage: start and duration (µs)
+  std::set<int64_t> namedThreads, applyThreads;
+  std::string process;
+  const nlohmann::json trace = nlohmann::json::parse(tvrtool::test::readFile(path("trace.json")));
+  for (const nlohmann::json& event : trace.at("traceEvents")) {
+    const std::string phase = event.at("ph"), name = event.at("name");
+    if (name == "process_name") process = event.at("args").at("name");
+    if (name == "thread_name") namedThreads.insert(event.at("tid").get<int64_t>());
+    const bool apply = name.size() > 9 && name.substr(name.size() - 9) == "::apply()";
+    if (apply) (phase == "B" ? begins : ends).push_back(event.at("ts"));
+    if (apply) applyThreads.insert(event.at("tid").get<int64_t>());
+    if (phase == "X" && name == "sleep") sleeps.emplace_back(event.at("ts"), event.at("dur"));
+    if (phase == "C") frameMs.push_back(event.at("args").at("ms"));
+  }
+  EXPECT_EQ(process, "tvrtool run: LumaProcessing");
+  EXPECT_TRUE(applyThreads.size() == 1 && namedThreads.count(*applyThreads.begin()) == 1);
+  ASSERT_EQ((std::vector<size_t>{begins.size(), ends.size(), sleeps.size(), frameMs.size()}), std::vector<size_t>(4, 20));
+  for (size_t i = 0; i < 20; ++i) {
+    EXPECT_GE(ends[i] - begins[i], 5000.0) << "apply " << i + 1;
+    EXPECT_GE(sleeps[i].second, 5000.0) << "sleep " << i + 1;
+    EXPECT_TRUE(sleeps[i].first >= begins[i] && sleeps[i].first + sleeps[i].second <= ends[i]) << "sleep " << i + 1;
+    EXPECT_GE(frameMs[i], 5.0) << "frame " << i + 1;
+    EXPECT_TRUE(i == 0 || begins[i] - begins[i - 1] >= 5000.0) << "apply " << i + 1;
+  }
+}
+
+// Five frames of luma 16, 56, ... 176 from each kind of sequence; each gives one result line.
+class SequenceTest : public RunTest, public ::testing::WithParamInterface<std::string> {};
+
+TEST_P(SequenceTest, EachFrameGivesOneResultLineInOrder) {
+  std::string source;
+  if (GetParam() == "nv12") {
+    std::string frames;
+    for (int i = 0; i < 5; ++i) frames += grayFrame(i);
+    source = write("frames_64x48.nv12", frames);
+  } else if (GetParam() == "folder") {
+    for (int i = 4; i >= 0; --i) write("frames/" + std::string(1, char('a' + i)) + "_64x48.nv12", grayFrame(i));
+    source = path("frames");
+  } else {
+    std::string stream = "YUV4MPEG2 W64 H48 F30:1 Ip A1:1 C420jpeg XYSCSS=420JPEG\n";
+    for (int i = 0; i < 5; ++i) stream += "FRAME\n" + std::string(64 * 48, char(16 + 40 * i)) + std::string(64 * 24, '\x80');
+    source = write("clip.y4m", stream);
+  }
+  const Result result = run({"--processing", TEST_PLUGIN_GOOD, "--results", path("results.csv"), source});
+  expectEveryCallSucceeded(result, 5);
+  const std::vector<std::string> csv = tvrtool::test::lines(tvrtool::test::readFile(path("results.csv")));
+  ASSERT_EQ(csv.size(), 6u) << result.out;
+  EXPECT_EQ(csv[0], "frame,status,apply ms,result");
+  for (size_t i = 1; i <= 5; ++i) {
+    EXPECT_EQ(csv[i].rfind(std::to_string(i) + ",0,", 0), 0u) << csv[i];
+    EXPECT_TRUE(has(csv[i], ",\"frame " + std::to_string(i) + ", luma " + std::to_string(16 + 40 * (i - 1)) + ", 0 debug\"")) << csv[i];
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Sources, SequenceTest, ::testing::Values("nv12", "folder", "y4m"));
+
+// Refusals before anything runs: one line naming the file and the reason, no lifecycle call.
+TEST_F(RunTest, BadPluginsAndInputsAreRefusedInOneLineBeforeSetup) {
+  const std::string frame = write("frame_64x48.nv12", grayFrame(0)), text = write("notes.so", "not a library");
+  const std::string blocked = write("file", "") + "/below";
+  // Dump folders to replay: without source frames, without their records, with a garbled record.
+  write("no-source/input_param.csv", "Input parameter,\n,rotation,0\n,p_src,NULL\n");
+  write("no-records/10_source_64x48.nv12", grayFrame(0));
+  write("garbled/10_source_64x48.nv12", grayFrame(0));
+  write("garbled/input_param.csv", "Input parameter,\n,rotation,x\n");
+  const std::vector<std::tuple<std::vector<std::string>, int, std::string>> cases = {
+      {{"--processing", text}, 1, text + ": not a shared library"},
+      {{"--processing", TEST_PLUGIN_NO_FACTORY}, 1, TEST_PLUGIN_NO_FACTORY ": not a processing plugin: it has no tivora_create_processing"},
+      {{"--processing", TEST_PLUGIN_ABI2}, 1, TEST_PLUGIN_ABI2 ": plugin ABI version 2, but this tvrtool hosts version 1"},
+      {{"--processing", TEST_PLUGIN_NULL_FACTORY}, 1, TEST_PLUGIN_NULL_FACTORY ": tivora_create_processing(0) returned no processing"},
+      {{"--processing", TEST_PLUGIN_GOOD, "--option", "colour=red"}, 1, TEST_PLUGIN_GOOD ": the processing refuses the option colour=red"},
+      {{"--crop", "31,0,32,32", frame}, 2, "invalid --crop"},
+      {{"--crop", "40,0,32,32", frame}, 1, "does not fit the 64x48 frames"},
+      {{write("cut_64x48.nv12", grayFrame(0) + "a")}, 1, "cut_64x48.nv12: the file has 4609 bytes, not a whole number of 4608-byte frames"},
+      {{"--results", blocked, frame}, 1, "cannot write the results " + blocked},
+      {{"--trace", blocked, frame}, 1, "cannot write " + blocked},
+      {{"-o", blocked, frame}, 1, blocked},
+      {{"--replay", path("no-source")}, 2, path("no-source") + ": no source frames to replay"},
+      {{"--replay", path("no-records")}, 1, path("no-records/input_param.csv") + ": no such file"},
+      {{"--replay", path("garbled")}, 1, path("garbled/input_param.csv") + ": line 2: rotation 'x' is not a number"},
+      {{"--replay", path("garbled"), "--rotation", "90"}, 2, "--replay takes the frames, their layout, crop and rotation"},
   };
-  for (const auto& [args, reason] : cases) {
-    std::vector<std::string> withOutput = args;
-    withOutput.insert(withOutput.end(), {"-o", dir / "out"});
-    const Result result = run(withOutput);
-    EXPECT_EQ(result.status, 1) << reason;
-    const std::vector<std::string> errors = toolErrors(result);
-    ASSERT_EQ(errors.size(), 1u) << reason << "\n" << result.err;
+  for (const auto& [args, status, reason] : cases) {
+    const Result result = run(args);
+    EXPECT_EQ(result.status, status) << reason;
+    const std::vector<std::string> errors = result.toolErrors();
+    ASSERT_FALSE(errors.empty()) << reason;
     EXPECT_EQ(errors[0].rfind("tvrtool run: ", 0), 0u) << errors[0];
     EXPECT_TRUE(has(errors[0], reason)) << errors[0];
+    EXPECT_EQ(errors.size(), status == 2 ? 2u : 1u) << result.err;  // a usage error adds where the help is
     EXPECT_FALSE(has(result.out, "setup:")) << result.out;
   }
 }
 
-TEST_F(RunTest, FailedSetupStillRunsTheReleaseHooks) {
-  const std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
-      {{"--model", (dir / "no-such-model.dlc").string()}, "setup: 8 (the model file cannot be read)"},
-      {{"--runtime", "gpu"}, "setup: 2 (runtime unavailable)"},
-  };
-  for (const auto& [args, status] : cases) {
-    std::vector<std::string> withOutput = args;
-    withOutput.insert(withOutput.end(), {"--frames", "1", "-o", dir / "out"});
-    const Result result = run(withOutput);
-    EXPECT_EQ(result.status, 1) << status;
-    EXPECT_TRUE(has(result.out, status + "\nabort: ok\nfinalize: ok\nteardown: ok\n")) << result.out;
-    EXPECT_FALSE(has(result.out, "initialize:")) << result.out;
-    const std::vector<std::string> errors = toolErrors(result);
-    ASSERT_EQ(errors.size(), 1u) << result.err;
-    EXPECT_EQ(errors[0].rfind("tvrtool run: setup failed with ", 0), 0u) << errors[0];
-  }
-}
-
-TEST_F(RunTest, HelpAndWrongUsage) {
-  const Result help = run({"--help"});
-  EXPECT_EQ(help.status, 0);
-  EXPECT_EQ(help.out.rfind("Usage: tvrtool run", 0), 0u) << help.out;
-  EXPECT_TRUE(has(tvrtool::test::runTool({"--help"}, dir).out, "\n  run ")) << "tvrtool --help lists run";
-  const Result wrong = run({"--rotation", "45"});
-  EXPECT_EQ(wrong.status, 2);
-  EXPECT_TRUE(has(wrong.err, "tvrtool run: invalid --rotation")) << wrong.err;
+TEST_F(RunTest, FailedSetupStillRunsTheReleaseHooksAndSaysWhy) {
+  const Result result = run({"--model", path("none.dlc"), "--frames", "1"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_TRUE(has(result.out, "setup: 8 (the model file cannot be read)\nabort: ok\nfinalize: ok\nteardown: ok\n")) << result.out;
+  EXPECT_EQ(result.toolErrors(), std::vector<std::string>{"tvrtool run: setup failed with 8 (the model file cannot be read): model " +
+                                                          path("none.dlc") + ": No such file or directory"});
 }
 
 }  // namespace

@@ -6,9 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdio>
-#include <fstream>
-#include <iterator>
+#include <sstream>
 
 namespace tvrtool::test {
 
@@ -20,23 +18,19 @@ std::vector<std::string> gTool;
 
 }  // namespace
 
-std::string slurp(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+std::vector<std::string> lines(const std::string& text) {
+  std::vector<std::string> all;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) all.push_back(line);
+  return all;
 }
 
-bool decodePng(const std::string& bytes, Png& png) {
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  if (png_image_begin_read_from_memory(&image, bytes.data(), bytes.size()) == 0) return false;
-  png.channels = (image.format & PNG_FORMAT_FLAG_COLOR) != 0 ? 3 : 1;
-  image.format = png.channels == 3 ? PNG_FORMAT_RGB : PNG_FORMAT_GRAY;
-  png.width = image.width;
-  png.height = image.height;
-  png.pixels.resize(static_cast<size_t>(png.width) * png.height * png.channels);
-  const bool ok = png_image_finish_read(&image, nullptr, png.pixels.data(), 0, nullptr) != 0;
-  png_image_free(&image);
-  return ok;
+std::vector<std::string> Result::toolErrors() const {
+  std::vector<std::string> own;
+  for (const std::string& line : lines(err)) {
+    if (line.rfind("TVR ", 0) != 0 && line.rfind("apply: frame", 0) != 0) own.push_back(line);
+  }
+  return own;
 }
 
 Result runTool(const std::vector<std::string>& args, const fs::path& dir) {
@@ -46,32 +40,47 @@ Result runTool(const std::vector<std::string>& args, const fs::path& dir) {
   for (std::string& arg : command) argv.push_back(arg.data());
   argv.push_back(nullptr);
   const fs::path out = dir / "stdout.txt", err = dir / "stderr.txt";
-
   const pid_t child = fork();
   if (child == 0) {
-    const int outFd = open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    const int errFd = open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    dup2(outFd, 1);
-    dup2(errFd, 2);
+    dup2(open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644), 1);
+    dup2(open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644), 2);
     execvp(argv[0], argv.data());
     _exit(127);
   }
   Result result;
   int status = 0;
   if (child > 0 && waitpid(child, &status, 0) == child && WIFEXITED(status)) result.status = WEXITSTATUS(status);
-  result.out = slurp(out);
-  result.err = slurp(err);
+  result.out = readFile(out);
+  result.err = readFile(err);
   fs::remove(out);
   fs::remove(err);
   return result;
 }
 
-fs::path freshCaseDirectory(const std::string& group) {
+bool readPng(const std::string& path, Png& png) {
+  png_image image{};
+  image.version = PNG_IMAGE_VERSION;
+  if (png_image_begin_read_from_file(&image, path.c_str()) == 0) return false;
+  png.channels = (image.format & PNG_FORMAT_FLAG_COLOR) != 0 ? 3 : 1;
+  image.format = png.channels == 3 ? PNG_FORMAT_RGB : PNG_FORMAT_GRAY;
+  png.width = image.width;
+  png.height = image.height;
+  png.pixels.resize(size_t{png.width} * png.height * png.channels);
+  return png_image_finish_read(&image, nullptr, png.pixels.data(), 0, nullptr) != 0;
+}
+
+CaseFolderTest::CaseFolderTest() {
   const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
-  const fs::path dir = fs::current_path() / group / (std::string(test->test_suite_name()) + "." + test->name());
+  std::string name = std::string(test->test_suite_name()) + "." + test->name();
+  for (char& c : name) c = c == '/' ? '_' : c;  // parameterised names hold slashes
+  dir = fs::current_path() / name;
   fs::remove_all(dir);
   fs::create_directories(dir);
-  return dir;
+}
+
+std::string CaseFolderTest::write(const std::string& name, const std::string& bytes) {
+  tivora::test::writeFile(path(name), bytes);
+  return path(name);
 }
 
 int toolTestMain(int argc, char** argv) {

@@ -1,37 +1,56 @@
-// Running the tvrtool program itself from a test, as a camera engineer runs it: its output and
-// errors caught, its PNGs read back with libpng.
+// What tvrtool's tests share: files of given bytes, PNGs read back with libpng, and the tvrtool
+// program itself run as a camera engineer runs it, its output and errors caught.
 //
-// A program using this is run as `PROGRAM [gtest flags] COMMAND...`, COMMAND being what runs
+// An end-to-end program is run as `PROGRAM [gtest flags] COMMAND...`, COMMAND being what runs
 // tvrtool (with the emulator first in a cross build); toolTestMain takes it from the command line.
 #pragma once
+
+#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
 
+#include "DeviceFiles.h"
+
 namespace tvrtool::test {
+
+using tivora::test::readFile;
 
 struct Result {
   int status = -1;  // the exit status; -1 when the program did not exit normally
   std::string out, err;
+  // The lines tvrtool itself wrote on standard error: not the library's log records ("TVR ...")
+  // nor the progress lines.
+  std::vector<std::string> toolErrors() const;
 };
 
-// Runs tvrtool with `args` in the current directory; the output is caught in files under `dir`.
-Result runTool(const std::vector<std::string>& args, const std::filesystem::path& dir);
+// The lines of `text`, without their line ends.
+std::vector<std::string> lines(const std::string& text);
 
-std::string slurp(const std::filesystem::path& path);
+// Runs tvrtool with `args`; the output is caught in files under `dir`.
+Result runTool(const std::vector<std::string>& args, const std::filesystem::path& dir);
 
 struct Png {
   uint32_t width = 0, height = 0, channels = 0;
   std::vector<uint8_t> pixels;
 };
 
-// Decodes a PNG in memory, keeping gray as gray.
-bool decodePng(const std::string& bytes, Png& png);
+// Decodes the PNG file, keeping gray as gray; false when it is none.
+bool readPng(const std::string& path, Png& png);
 
-// An empty directory for the running case: <current directory>/<group>/<suite>.<case>.
-std::filesystem::path freshCaseDirectory(const std::string& group);
+// A case with a folder of its own, emptied first: <current directory>/<suite>.<case>.
+class CaseFolderTest : public ::testing::Test {
+ protected:
+  CaseFolderTest();
+  std::string path(const std::string& name) const { return (dir / name).string(); }
+  // Writes `bytes` to the file `name` in the folder (creating its folders) and returns its path.
+  std::string write(const std::string& name, const std::string& bytes);
+  Result tool(const std::vector<std::string>& args) const { return runTool(args, dir); }
+
+  std::filesystem::path dir;
+};
 
 // gtest's main, which also takes the tool's command.
 int toolTestMain(int argc, char** argv);

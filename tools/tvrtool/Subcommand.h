@@ -29,5 +29,6 @@ inline int usageError(const std::string& command, const std::string& message) {
 
 const Subcommand& viewCommand();
 const Subcommand& runCommand();
+const Subcommand& compareCommand();
 
 }  // namespace tvrtool

@@ -6,11 +6,8 @@
 #include <vector>
 
 #include "Arguments.h"
-#include "DisplayImage.h"
-#include "DumpName.h"
-#include "FileBytes.h"
+#include "DumpPicture.h"
 #include "Layout.h"
-#include "PngFile.h"
 #include "Subcommand.h"
 
 namespace tvrtool {
@@ -117,28 +114,12 @@ bool readCounts(const Arguments& arguments, LayoutRequest& request, std::string&
 std::string defaultOutput(const std::string& input) { return fs::path(input).replace_extension(".png").string(); }
 
 bool viewOne(const std::string& path, const LayoutRequest& request, const std::optional<std::string>& output) {
-  std::string error;
-  const std::optional<Layout> layout = resolveLayout(parseFileName(path), request, error);
-  if (!layout) return refuse(path, error);
-
-  const std::optional<uint64_t> size = regularFileSize(path, error);
-  if (!size) return refuse(path, error);
-  error = checkFileSize(*layout, *size);
-  if (!error.empty()) return refuse(path, error);
-
-  std::vector<uint8_t> bytes(*size);
-  if (!readExactly(path, bytes, error)) return refuse(path, error);
-  const DisplayImage image = toDisplayImage(*layout, bytes.data());
-
   const std::string target = output.value_or(defaultOutput(path));
-  std::error_code code;
-  if (target != "-" && fs::equivalent(path, target, code))
-    return refuse(path, "the PNG would overwrite the file itself");
-  error = writePng(target, image);
-  if (!error.empty()) return refuse(path, "cannot write " + target + ": " + error);
-
+  std::string read;
+  const std::string error = writePicture(path, request, target, read);
+  if (!error.empty()) return refuse(path, error);
   std::fprintf(target == "-" ? stderr : stdout, "%s: %s\n", target == "-" ? "(standard output)" : target.c_str(),
-               describe(*layout).c_str());
+               read.c_str());
   return true;
 }
 

@@ -12,11 +12,8 @@ using tvrtool::Subcommand;
 
 // In the order the help lists them.
 const std::vector<const Subcommand*>& subcommands() {
-  static const std::vector<const Subcommand*> all = {
-#ifdef TVRTOOL_WITH_RUN  // a build without examples/ has no processing to run
-      &tvrtool::runCommand(),
-#endif
-      &tvrtool::viewCommand()};
+  static const std::vector<const Subcommand*> all = {&tvrtool::runCommand(), &tvrtool::viewCommand(),
+                                                             &tvrtool::compareCommand()};
   return all;
 }
 
@@ -48,6 +45,7 @@ void printHelp(std::FILE* to) {
       "Examples:\n"
       "  tvrtool run\n"
       "  tvrtool view 5000000000_src_1920x1080.nv12\n"
+      "  tvrtool compare device-dumps host-dumps\n"
       "  tvrtool help view\n"
       "\n"
       "Exit status: 0 on success, 1 when a command failed, 2 on wrong usage.\n",

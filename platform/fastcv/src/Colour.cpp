@@ -1,41 +1,40 @@
-// fcvColorYCbCr420PseudoPlanarToRGB888u8: NV12 to packed RGB888 (R first), BT.601 video range.
+// fcvColorYCbCr420PseudoPlanarToRGB888u8: NV12 to packed RGB888 (R first), BT.601 video range,
+// through libyuv (its "RAW" is R, G, B in memory).
 //
 // With an odd width or height the chroma plane holds width / 2 pairs and height / 2 rows (at
-// least one of each): the last luma column or row reuses the last chroma pair or row.
-#include <cstddef>
-#include <cstdint>
+// least one of each), and the last luma column or row reuses the last pair or row. libyuv reads
+// (width + 1) / 2 pairs and (height + 1) / 2 rows, one more than there are: it converts the even
+// part, and the odd column and row are converted on their own, pointed at the pair and row they
+// reuse.
+#include <libyuv/convert_argb.h>
 
+#include <cstddef>
+
+#include "LibyuvArguments.h"
 #include "StubState.h"
 #include "fastcv.h"
 
 namespace {
 
-// BT.601 video range to full-range RGB, scaled by 2^16: 255/219 for Y and 255/224 times the
-// chroma weights (1.402, 0.344136, 0.714136, 1.772) for C.
-constexpr int32_t kY = 76309;
-constexpr int32_t kCrToR = 104597;
-constexpr int32_t kCbToG = 25675;
-constexpr int32_t kCrToG = 53279;
-constexpr int32_t kCbToB = 132201;
+using fastcv_stub::detail::toInt;
 
-uint8_t toByte(int32_t scaled) {
-  if (scaled <= 0) return 0;
-  const int32_t value = (scaled + (1 << 15)) >> 16;
-  return static_cast<uint8_t>(value > 255 ? 255 : value);
-}
+struct Nv12 {
+  const uint8_t* y;
+  const uint8_t* c;
+  uint32_t yStride, cStride;
+  uint8_t* rgb;
+  uint32_t rgbStride;
 
-void nv12ToRgbRow(const uint8_t* y, const uint8_t* cbcr, uint32_t width, uint8_t* rgb) {
-  const uint32_t lastPair = width / 2 > 0 ? width / 2 - 1 : 0;
-  for (uint32_t x = 0; x < width; ++x) {
-    const uint32_t pair = x / 2 < lastPair ? x / 2 : lastPair;
-    const int32_t luma = kY * (int32_t{y[x]} - 16);
-    const int32_t cb = int32_t{cbcr[2 * pair]} - 128;
-    const int32_t cr = int32_t{cbcr[2 * pair + 1]} - 128;
-    rgb[3 * x] = toByte(luma + kCrToR * cr);
-    rgb[3 * x + 1] = toByte(luma - kCbToG * cb - kCrToG * cr);
-    rgb[3 * x + 2] = toByte(luma + kCbToB * cb);
+  // Pixels [x, x + width) of rows [row, row + rows), with chroma from pair `pair` of chroma row
+  // `chromaRow` on.
+  void convert(uint32_t x, uint32_t row, uint32_t width, uint32_t rows, uint32_t pair, uint32_t chromaRow) const {
+    if (width == 0 || rows == 0) return;
+    libyuv::NV12ToRAW(y + std::size_t{row} * yStride + x, toInt(yStride),
+                      c + std::size_t{chromaRow} * cStride + 2 * std::size_t{pair}, toInt(cStride),
+                      rgb + std::size_t{row} * rgbStride + 3 * std::size_t{x}, toInt(rgbStride), toInt(width),
+                      toInt(rows));
   }
-}
+};
 
 }  // namespace
 
@@ -45,11 +44,19 @@ extern "C" void fcvColorYCbCr420PseudoPlanarToRGB888u8(const uint8_t* srcY, cons
   fastcv_stub::detail::journalCall("fcvColorYCbCr420PseudoPlanarToRGB888u8", static_cast<const void*>(srcY),
                                    static_cast<const void*>(srcC), srcWidth, srcHeight, srcYStride, srcCStride,
                                    static_cast<const void*>(dst), dstStride);
-  if (srcY == nullptr || srcC == nullptr || dst == nullptr) return;
+  if (srcY == nullptr || srcC == nullptr || dst == nullptr ||
+      !fastcv_stub::detail::fitLibyuv(uint64_t{srcWidth} * 3, srcHeight, srcYStride, srcCStride, dstStride)) {
+    return;
+  }
+  const Nv12 frame{srcY, srcC, srcYStride, srcCStride, dst, dstStride};
+  const uint32_t evenWidth = srcWidth & ~1u;
+  const uint32_t evenHeight = srcHeight & ~1u;
+  const uint32_t lastPair = srcWidth / 2 > 0 ? srcWidth / 2 - 1 : 0;
   const uint32_t lastChromaRow = srcHeight / 2 > 0 ? srcHeight / 2 - 1 : 0;
-  for (uint32_t row = 0; row < srcHeight; ++row) {
-    const uint32_t chromaRow = row / 2 < lastChromaRow ? row / 2 : lastChromaRow;
-    nv12ToRgbRow(srcY + std::size_t{row} * srcYStride, srcC + std::size_t{chromaRow} * srcCStride, srcWidth,
-                 dst + std::size_t{row} * dstStride);
+  frame.convert(0, 0, evenWidth, evenHeight, 0, 0);
+  if (srcWidth % 2 != 0) frame.convert(evenWidth, 0, 1, evenHeight, lastPair, 0);
+  if (srcHeight % 2 != 0) {
+    frame.convert(0, evenHeight, evenWidth, 1, 0, lastChromaRow);
+    if (srcWidth % 2 != 0) frame.convert(evenWidth, evenHeight, 1, 1, lastPair, lastChromaRow);
   }
 }

@@ -140,15 +140,8 @@ extern "C" Snpe_SNPE_Handle_t Snpe_SNPEBuilder_Build(Snpe_SNPEBuilder_Handle_t b
   }
   network->settings.runtime = *chosen;
 
-  for (const std::string& layer : self->settings.outputLayers) {
-    const Tensor* output = self->model->output(layer);
-    if (!output) return fail(kName, "'" + layer + "' is not an output of model " + self->model->version, nullptr);
-    if (std::find(network->outputs.begin(), network->outputs.end(), output) == network->outputs.end()) {
-      network->outputs.push_back(output);
-    }
-  }
-  if (network->outputs.empty()) {
-    for (const Tensor& output : self->model->outputs) network->outputs.push_back(&output);
-  }
+  std::string error;
+  network->engine = self->model->build(self->settings.outputLayers, network->outputs, error);
+  if (!network->engine) return fail(kName, error, nullptr);
   return adopt(std::move(network));
 }

@@ -1,5 +1,5 @@
+#include <algorithm>
 #include <fstream>
-#include <iterator>
 
 #include "DlContainer/DlContainer.h"
 #include "Objects.h"
@@ -10,7 +10,7 @@ namespace {
 
 Snpe_DlContainer_Handle_t open(const char* function, std::string_view bytes, const std::string& source) {
   std::string error;
-  auto model = parseModel(bytes, error);
+  auto model = openModel(bytes, error);
   if (!model) return fail(function, source + ": " + error, nullptr);
   auto container = std::make_unique<Container>();
   container->model = std::move(model);
@@ -23,14 +23,16 @@ extern "C" Snpe_DlContainer_Handle_t Snpe_DlContainer_Open(const char* filename)
   static constexpr const char* kName = "Snpe_DlContainer_Open";
   if (enter(kName, filename)) return nullptr;
   if (filename == nullptr) return fail(kName, "null file name", nullptr);
-  std::ifstream file(filename, std::ios::binary);
+  std::ifstream file(filename, std::ios::binary | std::ios::ate);
   if (!file) return fail(kName, std::string(filename) + ": cannot open", nullptr);
-  std::string bytes;
-  // Read one byte past the limit so that an oversized file is recognised without reading it all.
-  bytes.resize(kMaxContainerBytes + 1);
-  file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  if (file.bad()) return fail(kName, std::string(filename) + ": cannot read", nullptr);
-  bytes.resize(static_cast<size_t>(file.gcount()));
+  const std::streamoff length = file.tellg();
+  if (length > static_cast<std::streamoff>(kMaxModelBytes)) {
+    return fail(kName, std::string(filename) + ": larger than a model can be", nullptr);
+  }
+  std::string bytes(static_cast<size_t>(std::max<std::streamoff>(length, 0)), '\0');
+  if (length < 0 || !file.seekg(0) || !file.read(bytes.data(), length)) {
+    return fail(kName, std::string(filename) + ": cannot read", nullptr);
+  }
   return open(kName, bytes, filename);
 }
 

@@ -1,21 +1,10 @@
-// Host model containers: a small text format that names the model's tensors and the one operator
-// that computes them.
+// What a container holds: a model that names its tensors and can build networks that compute them.
+// Two kinds, recognised by content: the host's text containers (TextModel.cpp, a few operators for
+// tests and for builds without OpenCV) and ONNX models (OnnxModel.cpp, executed by OpenCV DNN).
 //
-//   TIVORA-HOST-DLC 1                  magic line, exactly
-//   version: mean-colour-1.0           model version text (once)
-//   input: image 1x224x224x3           name and shape of an input tensor (once or more)
-//   output: mean 1x3                   name and shape of an output tensor (once or more)
-//   op: channel_mean                   the operator (once)
-//
-// Lines are "key: value"; blank lines and lines starting with '#' are ignored, a trailing '\r' is
-// dropped. Tensor names are made of letters, digits and "_.:/-", unique among all tensors of the
-// model. A shape is 1 to 8 positive dimensions joined by 'x' (last one varies fastest), at most
-// 2^28 elements. Tensors are 32-bit floats. Operators, on the first input and the first output:
-//   copy          copies the elements in order; both tensors hold the same number of elements
-//   channel_mean  the mean of each of the 3 channels of an ...xHxWx3 input, into 3 elements
-//   none          computes nothing (to measure the runtime's own overhead)
-// Anything else (another magic line, a missing or repeated line, an unknown key, a bad shape, a NUL
-// byte, more than 1 MiB) is not a container.
+// Tensors are shown the way the device runtime shows them: dims as a user buffer holds them, the
+// last varying fastest. An ONNX tensor of rank 4 (N x C x H x W in the model) is shown as
+// N x H x W x C; its Tensor says so with `channelsLast`, and the engine gets it back in its own order.
 #pragma once
 
 #include <cstddef>
@@ -28,28 +17,53 @@ namespace snpe_stub::detail {
 
 struct Tensor {
   std::string name;
-  std::vector<size_t> dims;
+  std::vector<size_t> dims;  // as the runtime shows them
   size_t elements = 0;
+  bool channelsLast = false;  // shown N x H x W x C, computed N x C x H x W
 };
 
-enum class Op { Copy, ChannelMean, None };
+// A tensor of a network and the caller memory that holds it, checked to fit (see Layout.h).
+struct Binding {
+  const Tensor* tensor = nullptr;
+  unsigned char* memory = nullptr;
+  const std::vector<size_t>* strides = nullptr;  // bytes, one per dimension of tensor->dims
+};
 
-struct Model {
-  std::string version;
-  std::vector<Tensor> inputs;
-  std::vector<Tensor> outputs;
-  Op op = Op::None;
+// The computation of one built network. Not thread-safe: a network runs on one thread at a time.
+class Engine {
+ public:
+  virtual ~Engine() = default;
+  // Reads `inputs` (the model's, in order), writes `outputs` (the network's, in order); false with
+  // the reason in `error`.
+  virtual bool run(const std::vector<Binding>& inputs, const std::vector<Binding>& outputs, std::string& error) = 0;
+};
+
+class Model {
+ public:
+  virtual ~Model() = default;
+
+  // A network's engine that produces `layers` (empty: the model's outputs); the tensors it produces,
+  // in order, go to `produced`. Null with the reason in `error`.
+  virtual std::unique_ptr<Engine> build(const std::vector<std::string>& layers, std::vector<Tensor>& produced,
+                                        std::string& error) const = 0;
 
   const Tensor* input(std::string_view name) const;
-  const Tensor* output(std::string_view name) const;
+
+  std::string version;
+  std::vector<Tensor> inputs;
 };
 
-constexpr size_t kMaxContainerBytes = 1u << 20;
+// Largest model file, largest text container, and largest number of elements of one tensor.
+constexpr size_t kMaxModelBytes = size_t{1} << 30;
+constexpr size_t kMaxContainerBytes = size_t{1} << 20;
+constexpr size_t kMaxElements = size_t{1} << 28;
 
-// The model in `text`, or null with the reason in `error`.
-std::shared_ptr<const Model> parseModel(std::string_view text, std::string& error);
+// The model in `bytes`, of whichever kind they are; null with the reason in `error`.
+std::shared_ptr<const Model> openModel(std::string_view bytes, std::string& error);
 
-// Computes `op` from the elements of the first input into those of the first output.
-void compute(Op op, const std::vector<float>& input, std::vector<float>& output);
+// Each kind on its own. isTextContainer looks at the first line only.
+bool isTextContainer(std::string_view bytes);
+std::shared_ptr<const Model> parseTextModel(std::string_view text, std::string& error);
+std::shared_ptr<const Model> parseOnnxModel(std::string_view bytes, std::string& error);
 
 }  // namespace snpe_stub::detail

@@ -44,7 +44,8 @@ struct Network : Object {
   static constexpr Kind kKind = Kind::Network;
   std::shared_ptr<const Model> model;
   NetworkSettings settings;
-  std::vector<const Tensor*> outputs;  // into `model`: the outputs it produces
+  std::vector<Tensor> outputs;  // the tensors it produces
+  std::unique_ptr<Engine> engine;
 };
 
 struct Encoding : Object {

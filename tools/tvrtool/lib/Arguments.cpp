@@ -46,6 +46,7 @@ std::string parseArguments(const std::vector<std::string>& args, const std::vect
     if (!definition->takesValue) {
       if (equals != std::string::npos || (!isLong && arg.size() > 2)) return "option '" + shown + "' takes no value";
       result.options[definition->longName] = "";
+      result.given.emplace_back(definition->longName, "");
       continue;
     }
     if (equals != std::string::npos) {
@@ -57,6 +58,7 @@ std::string parseArguments(const std::vector<std::string>& args, const std::vect
     } else {
       return "option '" + shown + "' needs a value";
     }
+    result.given.emplace_back(definition->longName, result.options[definition->longName]);
   }
   return "";
 }

@@ -18,6 +18,7 @@ struct OptionDefinition {
 
 struct Arguments {
   std::map<std::string, std::string> options;  // by long name; a flag maps to ""; the last occurrence wins
+  std::vector<std::pair<std::string, std::string>> given;  // every occurrence, in order, by long name
   std::vector<std::string> operands;
 
   bool has(const std::string& longName) const { return options.count(longName) != 0; }

@@ -48,6 +48,10 @@ FileName parseFileName(const std::string& path) {
   const std::string::size_type stampEnd = prefix.find('_');
   result.kind =
       stampEnd != std::string::npos && allDigits(prefix.substr(0, stampEnd)) ? NameKind::Dump : NameKind::Sized;
+  if (result.kind == NameKind::Dump) {
+    result.name = prefix.substr(stampEnd + 1);
+    result.stamp = stampEnd <= 19 ? std::stoull(prefix.substr(0, stampEnd)) : 0;
+  }
   return result;
 }
 

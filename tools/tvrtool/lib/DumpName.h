@@ -21,6 +21,8 @@ struct FileName {
   std::string extension;  // after the last '.' of the base name; empty when there is none
   uint32_t first = 0;
   uint32_t second = 0;
+  std::string name;     // Dump only: between the time stamp and the size ("src"), possibly empty
+  uint64_t stamp = 0;   // Dump only: the boot time in ns (0 when it has more than 19 digits)
 };
 
 // Reads the base name of `path`. Dimensions are decimal numbers below 2^31, as the library

@@ -1,20 +1,15 @@
-// The command line of `tvrtool run`, checked as far as it can be without reading the frame.
+// The command line of `tvrtool run`, checked as far as it can be without reading a file.
 #pragma once
 
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Arguments.h"
 
 namespace tvrtool {
-
-enum class FrameSource {
-  Chart,     // no FILE: the built-in colour chart
-  Nv12File,  // any FILE not ending in .png
-  PngFile,
-};
 
 enum class Runtime { Cpu, Gpu, Dsp, Aip };
 
@@ -23,33 +18,36 @@ struct CropRect {
 };
 
 struct RunOptions {
-  FrameSource source = FrameSource::Chart;
-  std::string sourcePath;
-  std::optional<uint32_t> width, height, stride, scanline;  // the NV12 file's, when its name does not tell
-  uint32_t rotation = 0;                          // degrees clockwise: 0, 90, 180 or 270
-  std::optional<CropRect> crop;                   // default: the whole frame
-  uint32_t inputWidth = 224, inputHeight = 224;   // the network's input
-  std::optional<std::string> model;               // default: the bundled host model, written to the output
+  std::optional<std::string> processing;  // the plugin; default: the bundled sample
+  uint32_t resourceType = 0;
+  std::vector<std::pair<std::string, std::string>> pluginOptions;  // --option KEY=VALUE, in order
+  std::optional<std::string> source;  // the frames (a file or a folder); default: the built-in chart
+  std::optional<std::string> replayDir;  // a device's dump folder: frames with their input records
+  std::optional<uint32_t> width, height, stride, scanline;  // NV12 files, when their names do not tell
+  uint32_t rotation = 0;                                     // degrees clockwise: 0, 90, 180 or 270
+  std::optional<CropRect> crop;                              // default: the whole frame
+  std::optional<std::string> model;                          // default: the plugin's own
   Runtime runtime = Runtime::Cpu;
-  uint32_t frames = 30;
+  std::optional<uint32_t> frames;  // default: a sequence once, a single frame kSingleFrameRepeats times
+  char logLevel = 'W';             // the logger's threshold: V, D, I, W or E
   std::optional<std::string> debugDir;
   std::optional<std::string> traceFile;
-  std::string outputDir = "tvrtool-run-out";
+  std::optional<std::string> resultsFile;
+  std::optional<std::string> outputDir;
   bool help = false;
 };
 
 inline constexpr uint32_t kMaxFrames = 1000000;
-inline constexpr uint32_t kMaxInputSide = 4096;
+inline constexpr uint32_t kSingleFrameRepeats = 30;
+inline constexpr uint32_t kMaxResourceType = 7;  // eight types of five network slots each
 
 const std::vector<OptionDefinition>& runOptionDefinitions();
 
 // Reads `args` into `options`; returns a message for the user when they are wrong, else "".
 std::string parseRunOptions(const std::vector<std::string>& args, RunOptions& options);
 
-// "X,Y,W,H" of non-negative numbers, W and H even and at least 2 (the chroma planes halve them).
+// "X,Y,W,H" of non-negative numbers: X, Y, W and H even (NV12 chroma covers 2x2 pixels), W and H
+// at least 2.
 std::optional<CropRect> parseCrop(const std::string& text);
-
-// "WxH" with even sides from 2 to kMaxInputSide.
-bool parseInputSize(const std::string& text, uint32_t& width, uint32_t& height);
 
 }  // namespace tvrtool

@@ -2,42 +2,13 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <iterator>
+#include <cstring>
 
 namespace tvrtool {
 
 namespace {
 
-bool startsMarker(std::string_view text, size_t at) {
-  return text.compare(at, 2, "B|") == 0 || text.compare(at, 2, "E|") == 0;
-}
-
-// End of the marker starting at `start`: after the first "|0" followed by the end or a new marker.
-size_t markerEnd(std::string_view text, size_t start) {
-  for (size_t at = start;;) {
-    at = text.find("|0", at);
-    if (at == std::string_view::npos) return text.size();
-    at += 2;
-    if (at == text.size() || startsMarker(text, at)) return at;
-  }
-}
-
-bool readMarker(std::string_view marker, TraceEvent& event) {
-  if (marker.size() < 7 || !startsMarker(marker, 0) || marker.substr(marker.size() - 2) != "|0") return false;
-  const size_t pidEnd = marker.find('|', 2);
-  if (pidEnd == 2 || pidEnd > 12 || pidEnd + 2 >= marker.size() - 1) return false;
-  int64_t pid = 0;
-  for (size_t i = 2; i < pidEnd; ++i) {
-    if (marker[i] < '0' || marker[i] > '9') return false;
-    pid = pid * 10 + (marker[i] - '0');
-  }
-  event.phase = marker[0];
-  event.pid = pid;
-  event.name.assign(marker.substr(pidEnd + 1, marker.size() - 2 - (pidEnd + 1)));
-  return !event.name.empty();
-}
-
-void appendEscaped(std::string& out, const std::string& text) {
+void appendEscaped(std::string& out, std::string_view text) {
   for (const char c : text) {
     const auto byte = static_cast<unsigned char>(c);
     if (c == '"' || c == '\\') {
@@ -63,39 +34,68 @@ void appendMicroseconds(std::string& out, int64_t ns) {
   out += text;
 }
 
-}  // namespace
-
-ParsedMarkers parseMarkers(std::string_view text, const std::vector<MarkerRead>& reads) {
-  ParsedMarkers parsed;
-  auto read = reads.begin();
-  for (size_t start = 0; start < text.size();) {
-    const size_t end = markerEnd(text, start);
-    while (read != reads.end() && std::next(read) != reads.end() && std::next(read)->offset <= start) ++read;
-    TraceEvent event{};
-    if (readMarker(text.substr(start, end - start), event)) {
-      event.timeNs = read != reads.end() ? read->timeNs : 0;
-      parsed.events.push_back(std::move(event));
-    } else {
-      ++parsed.rejected;
-    }
-    start = end;
-  }
-  return parsed;
+void appendNameArgument(std::string& out, std::string_view name) {
+  out += ",\"args\":{\"name\":\"";
+  appendEscaped(out, name);
+  out += "\"}";
 }
 
-std::string toChromeTraceJson(const std::vector<TraceEvent>& events, int64_t originNs) {
-  std::string json = "{\"traceEvents\":[";
-  for (size_t i = 0; i < events.size(); ++i) {
+}  // namespace
+
+void TraceEvent::setName(std::string_view text) {
+  const size_t length = std::min(text.size(), kNameSize - 1);
+  std::memcpy(name, text.data(), length);
+  name[length] = '\0';
+}
+
+bool readMarker(std::string_view marker, char& phase, int64_t& pid, std::string_view& name) {
+  if (marker.size() < 7 || (marker[0] != 'B' && marker[0] != 'E') || marker[1] != '|' ||
+      marker.substr(marker.size() - 2) != "|0") {
+    return false;
+  }
+  const size_t pidEnd = marker.find('|', 2);
+  if (pidEnd == 2 || pidEnd > 12 || pidEnd + 2 >= marker.size() - 1) return false;
+  pid = 0;
+  for (size_t i = 2; i < pidEnd; ++i) {
+    if (marker[i] < '0' || marker[i] > '9') return false;
+    pid = pid * 10 + (marker[i] - '0');
+  }
+  phase = marker[0];
+  name = marker.substr(pidEnd + 1, marker.size() - 2 - (pidEnd + 1));
+  return !name.empty();
+}
+
+std::string toChromeTraceJson(const TraceEvent* events, size_t count, int64_t pid, const std::string& processName,
+                              int64_t originNs) {
+  std::string json = "{\"traceEvents\":[\n{\"name\":\"process_name\",\"ph\":\"M\",\"pid\":" + std::to_string(pid);
+  appendNameArgument(json, processName);
+  json += "}";
+  for (size_t i = 0; i < count; ++i) {
     const TraceEvent& event = events[i];
-    json += i == 0 ? "\n" : ",\n";
-    json += "{\"name\":\"";
+    const std::string ids = ",\"pid\":" + std::to_string(event.pid) + ",\"tid\":" + std::to_string(event.tid);
+    if (event.phase == 'M') {
+      json += ",\n{\"name\":\"thread_name\",\"ph\":\"M\"" + ids;
+      appendNameArgument(json, event.name);
+      json += "}";
+      continue;
+    }
+    json += ",\n{\"name\":\"";
     appendEscaped(json, event.name);
     json += "\",\"ph\":\"";
     json += event.phase;
     json += "\",\"ts\":";
     appendMicroseconds(json, event.timeNs - originNs);
-    const std::string pid = std::to_string(event.pid);
-    json += ",\"pid\":" + pid + ",\"tid\":" + pid + "}";
+    if (event.phase == 'X') {
+      json += ",\"dur\":";
+      appendMicroseconds(json, event.durationNs);
+    }
+    json += ids;
+    if (event.phase == 'C') {
+      char value[32];
+      std::snprintf(value, sizeof value, "%.6f", event.value);
+      json += std::string(",\"args\":{\"ms\":") + value + "}";
+    }
+    json += "}";
   }
   json += "\n],\"displayTimeUnit\":\"ms\"}\n";
   return json;

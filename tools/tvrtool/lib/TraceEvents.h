@@ -1,45 +1,40 @@
-// The library's trace markers as Chrome trace-event JSON, which Perfetto's viewer
-// (ui.perfetto.dev) and chrome://tracing open.
+// What `tvrtool run --trace` records, and how it becomes Chrome trace-event JSON, which Perfetto's
+// viewer (ui.perfetto.dev) and chrome://tracing open.
 //
-// The library writes "B|<pid>|<Class>::<call>()|0" before and "E|<pid>|<Class>::<call>()|0" after
-// each lifecycle call. Markers carry no separator: a marker ends at a "|0" followed by the end of
-// the text or by the next "B|" or "E|".
+// Events are plain records of a fixed size, so that recording them while the frames run
+// allocates nothing; names longer than the record holds are cut (a marker's begin and end alike).
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace tvrtool {
 
-// One read of the marker file: the bytes from `offset` of the whole text on came in at `timeNs`.
-struct MarkerRead {
-  size_t offset;
-  int64_t timeNs;
-};
-
 struct TraceEvent {
-  char phase;  // 'B' or 'E'
-  int64_t pid;
-  std::string name;  // the middle field
-  int64_t timeNs;    // when the read holding the marker's first byte came in
+  static constexpr size_t kNameSize = 72;
+
+  char phase;            // 'B' begin, 'E' end, 'X' a slice with its duration, 'C' a counter value,
+                         // 'M' the name of the thread `tid`
+  int64_t pid, tid;      // the writing process and thread
+  int64_t timeNs;        // CLOCK_MONOTONIC
+  int64_t durationNs;    // 'X' only
+  double value;          // 'C' only
+  char name[kNameSize];  // NUL-terminated
+
+  void setName(std::string_view text);
 };
 
-struct ParsedMarkers {
-  std::vector<TraceEvent> events;
-  size_t rejected = 0;  // torn or garbled markers, left out
-};
+// Reads one library marker, "B|<pid>|<name>|0" or "E|...": the name may hold anything, '|'
+// included. False for anything else.
+bool readMarker(std::string_view marker, char& phase, int64_t& pid, std::string_view& name);
 
-// Splits the text the marker file received into markers and reads each; `reads` are in ascending
-// offsets, the first at 0. A marker that does not read as "B|<digits>|<name>|0" (or E) is counted
-// in `rejected`; a name may hold anything, '|' included.
-ParsedMarkers parseMarkers(std::string_view text, const std::vector<MarkerRead>& reads);
-
-// {"traceEvents":[{"name":..,"ph":"B","ts":<µs since originNs>,"pid":..,"tid":..},...]}; the
-// thread is the process (markers do not name threads). Names are escaped as JSON strings; bytes
-// outside ASCII become \u00XX, so the output is valid JSON whatever the markers held.
-std::string toChromeTraceJson(const std::vector<TraceEvent>& events, int64_t originNs);
+// {"traceEvents":[...],"displayTimeUnit":"ms"}: the process named `processName`, each thread
+// named by its 'M' event, times in µs since `originNs`, a counter's value under args.ms. Names are
+// escaped as JSON strings; bytes outside ASCII become \u00XX, so the output is valid JSON whatever
+// the markers held.
+std::string toChromeTraceJson(const TraceEvent* events, size_t count, int64_t pid, const std::string& processName,
+                              int64_t originNs);
 
 }  // namespace tvrtool

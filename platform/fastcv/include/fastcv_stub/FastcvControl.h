@@ -3,16 +3,17 @@
 //
 // Every function is thread-safe and may be called while the library is in use on other threads.
 //
-// What the stand-in computes (the vendor's exact arithmetic is not known; these are faithful
-// stand-ins that tests can check against independent references):
+// What the stand-in computes (the vendor's exact arithmetic is not known): libyuv's, for this
+// build's architecture.
 // - fcvMemAlloc refuses an alignment that is zero, not a power of two or above 128, and requests
 //   above kMaxAllocation bytes; it returns null then.
-// - Scale down: area averaging with a single rounding (to nearest) at the end, so integer ratios
-//   give exactly the rounded box average.
-// - Scale up: Catmull-Rom cubic with pixel centres aligned, edges repeated, results clamped.
+// - Scale down: libyuv's box filter (area averaging). Scale up: its bilinear filter.
+// - Rotate: clockwise; a quarter turn of interleaved CbCr goes through per-thread scratch planes.
 // - Colour: BT.601 video range (Y 16..235, C 16..240). With an odd width or height the chroma
 //   plane holds width / 2 pairs and height / 2 rows (at least one of each); the last luma column
 //   or row reuses the last chroma pair or row.
+// - libyuv allocates a row of its own in some scaling calls (no call of it takes the caller's
+//   scratch); everything else allocates nothing once a thread has seen a frame of that size.
 #pragma once
 
 #include <cstdint>

@@ -1,0 +1,150 @@
+// The stand-in's text containers, builds and executions, as the library's tests use them.
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "StandIn.h"
+
+namespace standin {
+namespace {
+
+constexpr float kCanary = -12345.0f;
+
+class NetworkTest : public StandInTest {};
+
+TEST_F(NetworkTest, FileAndBufferShowTheSameModel) {
+  Container containers[] = {Container(Snpe_DlContainer_Open(writeFile("mean.dlc", kMeanModel).c_str())),
+                            open(kMeanModel)};
+  for (Container& container : containers) {
+    Builder builder(Snpe_SNPEBuilder_Create(container.get()));
+    Network network(Snpe_SNPEBuilder_Build(builder.get()));
+    ASSERT_TRUE(network) << lastError();
+    EXPECT_STREQ(Snpe_SNPE_GetModelVersion(network.get()), "mean-colour-1.0");
+    EXPECT_EQ(outputNames(network.get()), std::vector<std::string>{"mean"});
+    EXPECT_EQ(inputDims(network.get(), "image"), (std::vector<size_t>{1, 4, 5, 3}));
+    EXPECT_EQ(Snpe_SNPE_GetInputDimensions(network.get(), "mean"), nullptr) << "an output is not an input";
+  }
+}
+
+TEST_F(NetworkTest, RefusesWhatIsNoContainerWithTheReason) {
+  const auto mean = [](const std::string& from, const std::string& to) {
+    std::string text = kMeanModel;
+    return text.replace(text.find(from), from.size(), to);
+  };
+  const std::pair<std::string, const char*> cases[] = {
+      {"", "empty"},
+      {mean("DLC 1", "DLC 2"), "host model container (no 'TIVORA-HOST-DLC 1' line)"},
+      {std::string("\x7f"
+                   "ELF\x02\x01\x01\0\0\0",
+                   10),
+       "host model container (no 'TIVORA-HOST-DLC 1' line)"},
+      {mean("op: channel_mean\n", ""), "truncated: no op"},
+      {mean("4x5x3\noutput: mean 1x3\nop: channel_mean\n", ""), "bad shape '1x'"},
+      {mean("mean 1x3", "image 1x3"), "second tensor named 'image'"},
+      {mean("channel_mean", "softmax"), "unknown op 'softmax'"},
+      {mean("1x4x5x3", "1x4x5x4"), "channel_mean needs"},
+  };
+  for (const auto& [bytes, reason] : cases) {
+    EXPECT_EQ(Snpe_DlContainer_Open(writeFile("bad.dlc", bytes).c_str()), nullptr);
+    EXPECT_NE(lastError().find(reason), std::string::npos) << lastError();
+    snpe_stub::setLastError("");
+    EXPECT_FALSE(open(bytes));
+    EXPECT_NE(lastError().find(reason), std::string::npos) << lastError();
+  }
+  EXPECT_EQ(Snpe_DlContainer_Open("platform_models/missing.dlc"), nullptr);
+  EXPECT_NE(lastError().find("missing.dlc: cannot open"), std::string::npos) << lastError();
+}
+
+TEST_F(NetworkTest, BuildsForTheFirstAvailableRuntimeOfTheOrder) {
+  const struct {
+    std::vector<Snpe_Runtime_t> available, order;
+    Snpe_Runtime_t chosen;  // UNSET: the build fails
+  } cases[] = {
+      {{SNPE_RUNTIME_CPU}, {}, SNPE_RUNTIME_CPU},
+      {{SNPE_RUNTIME_CPU, SNPE_RUNTIME_DSP}, {SNPE_RUNTIME_GPU, SNPE_RUNTIME_DSP, SNPE_RUNTIME_CPU}, SNPE_RUNTIME_DSP},
+      {{SNPE_RUNTIME_CPU, SNPE_RUNTIME_DSP}, {SNPE_RUNTIME_GPU, SNPE_RUNTIME_CPU, SNPE_RUNTIME_DSP}, SNPE_RUNTIME_CPU},
+      {{SNPE_RUNTIME_CPU}, {SNPE_RUNTIME_DSP, SNPE_RUNTIME_GPU}, SNPE_RUNTIME_UNSET},
+      {{}, {}, SNPE_RUNTIME_UNSET},
+  };
+  for (const auto& c : cases) {
+    snpe_stub::setRuntimeAvailable(SNPE_RUNTIME_CPU, false);
+    for (Snpe_Runtime_t runtime : c.available) snpe_stub::setRuntimeAvailable(runtime, true);
+    Network network = build(kMeanModel, c.order);
+    EXPECT_EQ(network ? snpe_stub::networkSettings(network.get())->runtime : SNPE_RUNTIME_UNSET, c.chosen);
+    EXPECT_TRUE(network || lastError().find("is available") != std::string::npos) << lastError();
+    snpe_stub::reset();
+  }
+}
+
+TEST_F(NetworkTest, OutputLayersChooseTheNetworksOutputs) {
+  EXPECT_EQ(outputNames(build(kCopyModel, {}, {"side", "side"}).get()), std::vector<std::string>{"side"});
+  EXPECT_EQ(outputNames(build(kCopyModel).get()), (std::vector<std::string>{"out", "side"}));
+  for (const char* wrong : {"in", "nope"}) {  // an input is no output layer
+    EXPECT_FALSE(build(kCopyModel, {}, {"out", wrong}));
+    EXPECT_NE(lastError().find("'" + std::string(wrong) + "' is not an output of model copy-2.1"), std::string::npos);
+  }
+}
+
+TEST_F(NetworkTest, ExecutionReadsAndWritesThroughTheByteStrides) {
+  Network copy = build(kCopyModel);
+  // in 2x3 with rows padded to 4 floats; out 3x2 stored column by column, columns padded to 4 floats.
+  std::vector<float> in = {1, 2, 3, kCanary, 4, 5, 6, kCanary}, out(8, kCanary), side(4, kCanary);
+  UserBuffer inBuffer = floatBuffer(in.data(), 32, {16, 4}), outBuffer = floatBuffer(out.data(), 32, {4, 16});
+  UserBuffer sideBuffer = packedBuffer(side, {4});
+  BufferMap inputs = bufferMap({{"in", &inBuffer}}), outputs = bufferMap({{"out", &outBuffer}, {"side", &sideBuffer}});
+  ASSERT_EQ(Snpe_SNPE_ExecuteUserBuffers(copy.get(), inputs.get(), outputs.get()), SNPE_SUCCESS) << lastError();
+  EXPECT_EQ(out, (std::vector<float>{1, 3, 5, kCanary, 2, 4, 6, kCanary}));  // out(i, j) at byte 4 i + 16 j
+  EXPECT_EQ(side, std::vector<float>(4, kCanary)) << "copy writes the first output only";
+
+  // The mean of 4 rows of 5 RGB pixels, rows 80 bytes apart: R = x, G = 10 y, B = 0.5.
+  Network mean = build(kMeanModel);
+  std::vector<float> image(4 * 20, 1e9f), result(3, kCanary);
+  for (size_t y = 0; y < 4; ++y) {
+    for (size_t x = 0; x < 5; ++x) {
+      const float pixel[3] = {static_cast<float>(x), 10.0f * static_cast<float>(y), 0.5f};
+      std::copy(pixel, pixel + 3, &image[y * 20 + x * 3]);
+    }
+  }
+  UserBuffer imageBuffer = floatBuffer(image.data(), 320, {320, 80, 12, 4}),
+             resultBuffer = packedBuffer(result, {1, 3});
+  inputs = bufferMap({{"image", &imageBuffer}});
+  outputs = bufferMap({{"mean", &resultBuffer}});
+  ASSERT_EQ(Snpe_SNPE_ExecuteUserBuffers(mean.get(), inputs.get(), outputs.get()), SNPE_SUCCESS) << lastError();
+  EXPECT_EQ(result, (std::vector<float>{2.0f, 15.0f, 0.5f}));
+}
+
+TEST_F(NetworkTest, ExecutionRefusesBuffersThatDoNotFitTheirTensorWithoutWritingAnything) {
+  Network network = build(kCopyModel);
+  std::vector<float> in(6, 1.0f), out(6, kCanary), side(4), bigger(12);
+  UserBuffer inBuffer = packedBuffer(in, {2, 3}), outBuffer = packedBuffer(out, {3, 2});
+  UserBuffer sideBuffer = packedBuffer(side, {4}), otherModel = packedBuffer(bigger, {3, 4});
+  UserBuffer shortBuffer = floatBuffer(in.data(), 20, {12, 4}), flatBuffer = packedBuffer(in, {6});
+  UserBuffer overlapping = floatBuffer(in.data(), 24, {4, 4}), doomed = packedBuffer(in, {2, 3});
+  BufferMap deleted = bufferMap({{"in", &doomed}});
+  doomed.reset();
+  const std::pair<BufferMap, const char*> cases[] = {
+      {bufferMap({{"out", &inBuffer}}), "input tensor 'in' has no user buffer"},
+      {bufferMap({{"in", &shortBuffer}}),
+       "input tensor 'in' (2x3): the user buffer holds 20 bytes, the tensor needs 24"},
+      {bufferMap({{"in", &otherModel}}), "holds 48 bytes, the tensor needs 32"},  // rows of 4: room to spare
+      {bufferMap({{"in", &flatBuffer}}), "1 strides for 2 dimensions"},
+      {bufferMap({{"in", &overlapping}}), "strides 4x4 do not fit dimensions 2x3"},
+      {std::move(deleted), "the user buffer of input tensor 'in' was deleted"},
+  };
+  BufferMap outputs = bufferMap({{"out", &outBuffer}, {"side", &sideBuffer}});
+  for (const auto& [inputs, reason] : cases) {
+    EXPECT_EQ(Snpe_SNPE_ExecuteUserBuffers(network.get(), inputs.get(), outputs.get()),
+              SNPE_ERRORCODE_CAPI_BAD_ARGUMENT);
+    EXPECT_NE(lastError().find(reason), std::string::npos) << lastError();
+  }
+  BufferMap good = bufferMap({{"in", &inBuffer}}), noSide = bufferMap({{"out", &outBuffer}});
+  EXPECT_NE(Snpe_SNPE_ExecuteUserBuffers(network.get(), good.get(), noSide.get()), SNPE_SUCCESS);
+  EXPECT_NE(lastError().find("output tensor 'side' has no user buffer"), std::string::npos) << lastError();
+  EXPECT_EQ(out, std::vector<float>(6, kCanary));
+  EXPECT_EQ(Snpe_SNPE_ExecuteUserBuffers(network.get(), good.get(), network.get()), SNPE_ERRORCODE_CAPI_BAD_HANDLE);
+  EXPECT_EQ(Snpe_SNPE_ExecuteUserBuffers(network.get(), good.get(), outputs.get()), SNPE_SUCCESS);
+  EXPECT_EQ(out, std::vector<float>(6, 1.0f));
+}
+
+}  // namespace
+}  // namespace standin
