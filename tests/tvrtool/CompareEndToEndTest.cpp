@@ -10,9 +10,8 @@
 namespace {
 
 namespace fs = std::filesystem;
+using tvrtool::test::has;
 using tvrtool::test::Result;
-
-bool has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
 // A 64x48 NV12 frame, a luma ramp under a chroma far from gray, so that red and blue differ.
 std::string colourFrame(int index) {
@@ -105,5 +104,3 @@ TEST_F(CompareTest, DumpsThatDoNotPairAreListedAndFoldersThatCannotBeComparedAre
 }
 
 }  // namespace
-
-int main(int argc, char** argv) { return tvrtool::test::toolTestMain(argc, argv); }

@@ -17,6 +17,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+using tvrtool::test::has;
 using tvrtool::test::Result;
 
 class RunTest : public tvrtool::test::CaseFolderTest {
@@ -26,8 +27,6 @@ class RunTest : public tvrtool::test::CaseFolderTest {
     return tool(args);
   }
 };
-
-bool has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
 // A 64x48 NV12 frame of one gray: luma 16 + 40 x `index`.
 std::string grayFrame(int index) { return std::string(64 * 48, char(16 + 40 * index)) + std::string(64 * 24, '\x80'); }
@@ -213,5 +212,3 @@ TEST_F(RunTest, FailedSetupStillRunsTheReleaseHooksAndSaysWhy) {
 }
 
 }  // namespace
-
-int main(int argc, char** argv) { return tvrtool::test::toolTestMain(argc, argv); }

@@ -69,5 +69,3 @@ TEST_F(ViewTest, WrongUsageExitsWithTwoAndHelpWithZero) {
 }
 
 }  // namespace
-
-int main(int argc, char** argv) { return tvrtool::test::toolTestMain(argc, argv); }

@@ -1,8 +1,8 @@
 // What tvrtool's tests share: files of given bytes, PNGs read back with libpng, and the tvrtool
 // program itself run as a camera engineer runs it, its output and errors caught.
 //
-// An end-to-end program is run as `PROGRAM [gtest flags] COMMAND...`, COMMAND being what runs
-// tvrtool (with the emulator first in a cross build); toolTestMain takes it from the command line.
+// The test program is run as `tvrtool_tests [gtest flags] COMMAND...`, COMMAND being what runs
+// tvrtool (with the emulator first in a cross build); its main (ToolProcess.cpp) takes it.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -17,6 +17,8 @@
 namespace tvrtool::test {
 
 using tivora::test::readFile;
+
+inline bool has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
 struct Result {
   int status = -1;  // the exit status; -1 when the program did not exit normally
@@ -51,8 +53,5 @@ class CaseFolderTest : public ::testing::Test {
 
   std::filesystem::path dir;
 };
-
-// gtest's main, which also takes the tool's command.
-int toolTestMain(int argc, char** argv);
 
 }  // namespace tvrtool::test

@@ -83,14 +83,14 @@ std::string CaseFolderTest::write(const std::string& name, const std::string& by
   return path(name);
 }
 
-int toolTestMain(int argc, char** argv) {
+}  // namespace tvrtool::test
+
+int main(int argc, char** argv) {
   ::testing::InitGoogleTest(&argc, argv);
-  gTool.assign(argv + 1, argv + argc);
-  if (gTool.empty()) {
+  tvrtool::test::gTool.assign(argv + 1, argv + argc);
+  if (tvrtool::test::gTool.empty()) {
     std::fprintf(stderr, "usage: %s [gtest flags] COMMAND...\n", argv[0]);
     return 2;
   }
   return RUN_ALL_TESTS();
 }
-
-}  // namespace tvrtool::test
