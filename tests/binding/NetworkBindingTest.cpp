@@ -74,27 +74,14 @@ TEST_F(NetworkBindingTest, RefusesAtSetupWithAMessageNamingTheTensor) {
     tvr_err_t status;
     const char* message;
   } cases[] = {
-      {"picture", "mean", {1, 4, 5, 3}, {1, 3}, TVR_ERR_NOT_FOUND, "[10] The network has no input tensor 'picture'"},
-      {"image",
-       "mean",
-       {1, 5, 4, 3},
-       {1, 3},
-       TVR_ERR_INVALID_ARG,
-       "Input tensor 'image' is 1x4x5x3, its buffer 1x5x4x3"},
-      {"image",
-       "mean",
-       {1, 4, 5, 3},
-       {1, 4},
-       TVR_ERR_INVALID_ARG,
-       "output tensor 'mean' (1x3): the user buffer holds 16 bytes, the tensor needs 12"},
-      {"image", "", {1, 4, 5, 3}, {}, TVR_ERR_NOT_FOUND, "The output tensor 'mean' has no buffer"},
-      {"image", "image", {1, 4, 5, 3}, {1, 3}, TVR_ERR_NOT_FOUND, "The network has no output tensor 'image'"},
-      {"image",
-       "mean",
-       {1, 4, 5, 3},
-       {},
-       TVR_ERR_INVALID_ARG,
-       "The output buffer of tensor 'mean' is without dimensions"},
+      // clang-format off
+      {"picture", "mean",  {1, 4, 5, 3}, {1, 3}, TVR_ERR_NOT_FOUND,   "[10] The network has no input tensor 'picture'"},
+      {"image",   "mean",  {1, 5, 4, 3}, {1, 3}, TVR_ERR_INVALID_ARG, "Input tensor 'image' is 1x4x5x3, its buffer 1x5x4x3"},
+      {"image",   "mean",  {1, 4, 5, 3}, {1, 4}, TVR_ERR_INVALID_ARG, "output tensor 'mean' (1x3): the user buffer holds 16 bytes, the tensor needs 12"},
+      {"image",   "",      {1, 4, 5, 3}, {},     TVR_ERR_NOT_FOUND,   "The output tensor 'mean' has no buffer"},
+      {"image",   "image", {1, 4, 5, 3}, {1, 3}, TVR_ERR_NOT_FOUND,   "The network has no output tensor 'image'"},
+      {"image",   "mean",  {1, 4, 5, 3}, {},     TVR_ERR_INVALID_ARG, "The output buffer of tensor 'mean' is without dimensions"},
+      // clang-format on
   };
   for (const auto& c : cases) {
     tivora::test::LogCapture capture;

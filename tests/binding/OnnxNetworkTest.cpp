@@ -10,18 +10,18 @@
 #include "DeviceFiles.h"
 #include "NetworkBinding.h"
 #include "OnnxFixtures.h"
+#include "RecordingProcessing.h"
 #include "SlotNetworks.h"
-#include "TivoraBase.h"
 #include "snpe_stub/SnpeControl.h"
 
 namespace {
 
 using snpe_stub::testdata::TestCase;
 
-class FixtureProcessing : public tivora::TivoraBase {
+class FixtureProcessing : public tivora::test::RecordingProcessing {
  public:
   FixtureProcessing(tivora::SNPEMgr::TVRResourceType type, const TestCase& test)
-      : TivoraBase(type), mTest(test), mBinding(type, 0) {}
+      : RecordingProcessing(type), mTest(test), mBinding(type, 0) {}
 
   std::vector<std::vector<float>> mOutputs;
 
@@ -42,10 +42,7 @@ class FixtureProcessing : public tivora::TivoraBase {
     mBinding.release();
     deleteSNPE(0);
   }
-  tvr_err_t initializeImpl(const void*) override { return TVR_OK; }
-  void finalizeImpl() override {}
   tvr_err_t applyImpl(const void*, void*) override { return executeSNPE(0); }
-  tvr_err_t applyDebugImpl(const void*, void*, void*) override { return TVR_OK; }
 
   const TestCase& mTest;
   std::vector<std::vector<float>> mInputs;  // the binding keeps their addresses, which moves keep

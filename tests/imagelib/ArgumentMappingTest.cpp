@@ -6,29 +6,12 @@
 #include <tuple>
 #include <vector>
 
+#include "Images.h"
 #include "fastcv.h"
 
 namespace {
 
-// Rows of `rowBytes` image bytes `stride` apart, behind an unaligned guard; all canary at first.
-struct Plane {
-  static constexpr uint8_t kCanary = 0xA5;
-  static constexpr std::size_t kGuard = 7;
-  uint32_t rowBytes, rows, stride;
-  std::vector<uint8_t> memory;
-
-  Plane(uint32_t rowBytes_, uint32_t rows_)
-      : rowBytes(rowBytes_), rows(rows_), stride(rowBytes_ + 3), memory(stride * rows + 2 * kGuard, kCanary) {}
-  uint8_t* data() { return memory.data() + kGuard; }
-  uint8_t& at(uint32_t x, uint32_t y) { return data()[y * stride + x]; }
-  bool canariesIntact() const {
-    for (std::size_t i = 0; i < memory.size(); ++i) {
-      const bool image = i >= kGuard && i - kGuard < stride * rows && (i - kGuard) % stride < rowBytes;
-      if (!image && memory[i] != kCanary) return false;
-    }
-    return true;
-  }
-};
+using tivora::test::Plane;
 
 // Y = 81 with the chroma of red (Cb 90, Cr 240) or of blue (240, 110) makes red or blue pixels;
 // the canary as chroma makes neither.
@@ -38,14 +21,15 @@ TEST(ArgumentMapping, ColourIsRedFirstAndTakesEachPixelsChromaBlock) {
   for (uint32_t i = 0; i < width * height; ++i) y.at(i % width, i / width) = 81;
   const uint8_t chroma[2][4] = {{240, 110, 90, 240}, {90, 240, 240, 110}};  // blue, red / red, blue
   for (uint32_t i = 0; i < 8; ++i) c.at(i % 4, i / 4) = chroma[i / 4][i % 4];
-  fcvColorYCbCr420PseudoPlanarToRGB888u8(y.data(), c.data(), width, height, y.stride, c.stride, rgb.data(), rgb.stride);
+  fcvColorYCbCr420PseudoPlanarToRGB888u8(y.data(), c.data(), width, height, y.stride(), c.stride(), rgb.data(),
+                                         rgb.stride());
   for (uint32_t i = 0; i < width * height; ++i) {
     const uint32_t x = i % width, r = i / width;
     const bool red = chroma[r < 2 ? 0 : 1][x < 2 ? 0 : 2] == 90;
     EXPECT_EQ(red, rgb.at(3 * x, r) > 200 && rgb.at(3 * x + 2, r) < 60) << x << ", " << r;
     EXPECT_EQ(!red, rgb.at(3 * x + 2, r) > 200 && rgb.at(3 * x, r) < 60) << x << ", " << r;
   }
-  EXPECT_TRUE(rgb.canariesIntact());
+  EXPECT_TRUE(rgb.untouchedAround());
 }
 
 using ScaleFn = void (*)(const uint8_t*, uint32_t, uint32_t, uint32_t, uint8_t*, uint32_t, uint32_t, uint32_t);
@@ -64,14 +48,14 @@ TEST_P(ScaleMapping, WholeRowsInPairsAndStridesUsed) {
     src.at(i % 8 * s.channels, i / 8) = i % 8 < 4 ? 40 : 120;
     if (s.channels == 2) src.at(i % 8 * 2 + 1, i / 8) = 200;
   }
-  s.scale(src.data(), 8, s.srcHeight, src.stride, dst.data(), s.dstWidth, s.dstHeight, dst.stride);
+  s.scale(src.data(), 8, s.srcHeight, src.stride(), dst.data(), s.dstWidth, s.dstHeight, dst.stride());
   for (uint32_t r = 0; r < s.dstHeight; ++r) {
     EXPECT_EQ(dst.at(0, r), 40) << r;
     EXPECT_EQ(dst.at((s.dstWidth - 1) * s.channels, r), 120) << r;
     for (uint32_t x = 1; x < s.dstWidth; ++x) EXPECT_LE(dst.at((x - 1) * s.channels, r), dst.at(x * s.channels, r));
     for (uint32_t x = 0; s.channels == 2 && x < s.dstWidth; ++x) EXPECT_EQ(dst.at(2 * x + 1, r), 200) << x << ", " << r;
   }
-  EXPECT_TRUE(dst.canariesIntact());
+  EXPECT_TRUE(dst.untouchedAround());
 }
 
 INSTANTIATE_TEST_SUITE_P(Stages, ScaleMapping,
@@ -90,7 +74,7 @@ TEST_P(RotateMapping, SamplesLandWhereAClockwiseTurnPutsThem) {
   Plane src(rowBytes, height), dst((quarter ? height : width) * size, quarter ? width : height);
   for (uint32_t i = 0; i < rowBytes * height; ++i) src.at(i % rowBytes, i / rowBytes) = static_cast<uint8_t>(i);
   const auto rotate = size == 1 ? fcvRotateImageu8 : fcvRotateImageInterleavedu8;
-  ASSERT_EQ(rotate(src.data(), width, height, src.stride, dst.data(), dst.stride, degree), FASTCV_SUCCESS);
+  ASSERT_EQ(rotate(src.data(), width, height, src.stride(), dst.data(), dst.stride(), degree), FASTCV_SUCCESS);
   for (uint32_t i = 0; i < width * height; ++i) {
     const uint32_t x = i % width, y = i / width;
     uint32_t column = width - 1 - x, row = height - 1 - y;  // a half turn
@@ -98,7 +82,7 @@ TEST_P(RotateMapping, SamplesLandWhereAClockwiseTurnPutsThem) {
     if (degree == FASTCV_ROTATE_270) column = y, row = width - 1 - x;
     for (uint32_t b = 0; b < size; ++b) EXPECT_EQ(dst.at(column * size + b, row), src.at(x * size + b, y)) << x << y;
   }
-  EXPECT_TRUE(dst.canariesIntact());
+  EXPECT_TRUE(dst.untouchedAround());
 }
 
 INSTANTIATE_TEST_SUITE_P(Turns, RotateMapping,

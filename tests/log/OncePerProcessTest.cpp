@@ -1,9 +1,11 @@
 // What the logger makes of its configuration file, read once per process, and the trace markers it
-// switches on. Each case writes the device's files, then creates the logger in a fresh process.
+// switches on, to the trace_marker file or a host's sink. Each case writes the device's files, then
+// creates the logger in a fresh process.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <cstdio>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -15,6 +17,7 @@
 #include "RecordingProcessing.h"
 #include "ScopedTrace.h"
 #include "TivoraLogger.h"
+#include "TivoraTraceSink.h"
 #include "snpe_stub/SnpeControl.h"
 
 namespace {
@@ -121,12 +124,24 @@ TEST_F(OncePerProcessTest, LocalConfigurationWithUnknownWordsKeepsTheDefaults) {
   });
 }
 
-// Neither trace_marker opens: the marker is lost and both are tried again with the next one; the
-// first that opens is kept for good.
-TEST_F(OncePerProcessTest, MarkersFallBackToTheDebugPathAndKeepTheFileThatOpened) {
+// While a host's sink is installed it takes every marker in place of the trace_marker file, which
+// is neither opened nor written. Without it, when neither trace_marker opens, the marker is lost and
+// both are tried again with the next one; the first that opens is kept for good.
+TEST_F(OncePerProcessTest, MarkersGoToAHostsSinkOrFallBackToTheDebugPathAndKeepTheFileThatOpened) {
   tivora::test::writeFile(kVendorConfig, "TivoraTrace=true\n");
+  tivora::test::writeFile(kTraceMarker, "");
   tivora::test::inFreshProcess([] {
     TivoraLogger::getInstance();
+    Strings taken;
+    const tivora::TraceMarkerSink sink{
+        [](void* to, const char* text, size_t length) { static_cast<Strings*>(to)->emplace_back(text, length); },
+        &taken};
+    tivora::setTraceMarkerSink(&sink);
+    { ScopedTrace trace("P", "apply"); }
+    tivora::setTraceMarkerSink(nullptr);
+    EXPECT_EQ(taken, (Strings{marker('B', "P", "apply"), marker('E', "P", "apply")}));
+    EXPECT_EQ(tivora::gTraceMarkerFd, -1);
+    std::remove(kTraceMarker);
     tivora::ftraceBegin("C", "lost");
     EXPECT_EQ(tivora::getTraceFd(), -1);
     tivora::test::writeFile(kDebugTraceMarker, "");

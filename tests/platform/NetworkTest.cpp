@@ -1,4 +1,4 @@
-// The stand-in's text containers, builds and executions, as the library's tests use them.
+// The stand-in's text containers, builds and executions, where the library's tests rely on them.
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -12,9 +12,9 @@ constexpr float kCanary = -12345.0f;
 
 class NetworkTest : public StandInTest {};
 
-TEST_F(NetworkTest, FileAndBufferShowTheSameModel) {
-  Container containers[] = {Container(Snpe_DlContainer_Open(writeFile("mean.dlc", kMeanModel).c_str())),
-                            open(kMeanModel)};
+TEST_F(NetworkTest, FileAndBufferShowTheSameModelAndRefuseWhatIsNone) {
+  const std::string path = tivora::test::writeModel("mean.dlc", kMeanModel);
+  Container containers[] = {Container(Snpe_DlContainer_Open(path.c_str())), open(kMeanModel)};
   for (Container& container : containers) {
     Builder builder(Snpe_SNPEBuilder_Create(container.get()));
     Network network(Snpe_SNPEBuilder_Build(builder.get()));
@@ -24,45 +24,22 @@ TEST_F(NetworkTest, FileAndBufferShowTheSameModel) {
     EXPECT_EQ(inputDims(network.get(), "image"), (std::vector<size_t>{1, 4, 5, 3}));
     EXPECT_EQ(Snpe_SNPE_GetInputDimensions(network.get(), "mean"), nullptr) << "an output is not an input";
   }
-}
-
-TEST_F(NetworkTest, RefusesWhatIsNoContainerWithTheReason) {
-  const auto mean = [](const std::string& from, const std::string& to) {
-    std::string text = kMeanModel;
-    return text.replace(text.find(from), from.size(), to);
-  };
-  const std::pair<std::string, const char*> cases[] = {
-      {"", "empty"},
-      {mean("DLC 1", "DLC 2"), "host model container (no 'TIVORA-HOST-DLC 1' line)"},
-      {std::string("\x7f"
-                   "ELF\x02\x01\x01\0\0\0",
-                   10),
-       "host model container (no 'TIVORA-HOST-DLC 1' line)"},
-      {mean("op: channel_mean\n", ""), "truncated: no op"},
-      {mean("4x5x3\noutput: mean 1x3\nop: channel_mean\n", ""), "bad shape '1x'"},
-      {mean("mean 1x3", "image 1x3"), "second tensor named 'image'"},
-      {mean("channel_mean", "softmax"), "unknown op 'softmax'"},
-      {mean("1x4x5x3", "1x4x5x4"), "channel_mean needs"},
-  };
-  for (const auto& [bytes, reason] : cases) {
-    EXPECT_EQ(Snpe_DlContainer_Open(writeFile("bad.dlc", bytes).c_str()), nullptr);
-    EXPECT_NE(lastError().find(reason), std::string::npos) << lastError();
-    snpe_stub::setLastError("");
-    EXPECT_FALSE(open(bytes));
+  const std::string mean = kMeanModel;
+  for (const auto& [bytes, reason] : {std::pair<std::string, const char*>{"", "empty"},
+                                      {mean.substr(0, mean.find("op:")), "truncated: no op"},
+                                      {mean.substr(0, 16) + "2" + mean.substr(17), "no 'TIVORA-HOST-DLC 1' line"}}) {
+    EXPECT_EQ(Snpe_DlContainer_Open(tivora::test::writeModel("bad.dlc", bytes).c_str()), nullptr);
     EXPECT_NE(lastError().find(reason), std::string::npos) << lastError();
   }
-  EXPECT_EQ(Snpe_DlContainer_Open("platform_models/missing.dlc"), nullptr);
-  EXPECT_NE(lastError().find("missing.dlc: cannot open"), std::string::npos) << lastError();
 }
 
-TEST_F(NetworkTest, BuildsForTheFirstAvailableRuntimeOfTheOrder) {
+TEST_F(NetworkTest, BuildsForTheFirstAvailableRuntimeOfTheOrderWithTheOutputsAsked) {
   const struct {
     std::vector<Snpe_Runtime_t> available, order;
     Snpe_Runtime_t chosen;  // UNSET: the build fails
   } cases[] = {
       {{SNPE_RUNTIME_CPU}, {}, SNPE_RUNTIME_CPU},
       {{SNPE_RUNTIME_CPU, SNPE_RUNTIME_DSP}, {SNPE_RUNTIME_GPU, SNPE_RUNTIME_DSP, SNPE_RUNTIME_CPU}, SNPE_RUNTIME_DSP},
-      {{SNPE_RUNTIME_CPU, SNPE_RUNTIME_DSP}, {SNPE_RUNTIME_GPU, SNPE_RUNTIME_CPU, SNPE_RUNTIME_DSP}, SNPE_RUNTIME_CPU},
       {{SNPE_RUNTIME_CPU}, {SNPE_RUNTIME_DSP, SNPE_RUNTIME_GPU}, SNPE_RUNTIME_UNSET},
       {{}, {}, SNPE_RUNTIME_UNSET},
   };
@@ -71,12 +48,8 @@ TEST_F(NetworkTest, BuildsForTheFirstAvailableRuntimeOfTheOrder) {
     for (Snpe_Runtime_t runtime : c.available) snpe_stub::setRuntimeAvailable(runtime, true);
     Network network = build(kMeanModel, c.order);
     EXPECT_EQ(network ? snpe_stub::networkSettings(network.get())->runtime : SNPE_RUNTIME_UNSET, c.chosen);
-    EXPECT_TRUE(network || lastError().find("is available") != std::string::npos) << lastError();
     snpe_stub::reset();
   }
-}
-
-TEST_F(NetworkTest, OutputLayersChooseTheNetworksOutputs) {
   EXPECT_EQ(outputNames(build(kCopyModel, {}, {"side", "side"}).get()), std::vector<std::string>{"side"});
   EXPECT_EQ(outputNames(build(kCopyModel).get()), (std::vector<std::string>{"out", "side"}));
   for (const char* wrong : {"in", "nope"}) {  // an input is no output layer
@@ -115,32 +88,21 @@ TEST_F(NetworkTest, ExecutionReadsAndWritesThroughTheByteStrides) {
 
 TEST_F(NetworkTest, ExecutionRefusesBuffersThatDoNotFitTheirTensorWithoutWritingAnything) {
   Network network = build(kCopyModel);
-  std::vector<float> in(6, 1.0f), out(6, kCanary), side(4), bigger(12);
-  UserBuffer inBuffer = packedBuffer(in, {2, 3}), outBuffer = packedBuffer(out, {3, 2});
-  UserBuffer sideBuffer = packedBuffer(side, {4}), otherModel = packedBuffer(bigger, {3, 4});
+  std::vector<float> in(6, 1.0f), out(6, kCanary), side(4);
+  UserBuffer inBuffer = packedBuffer(in, {2, 3}), outBuffer = packedBuffer(out, {3, 2}),
+             sideBuffer = packedBuffer(side, {4});
   UserBuffer shortBuffer = floatBuffer(in.data(), 20, {12, 4}), flatBuffer = packedBuffer(in, {6});
-  UserBuffer overlapping = floatBuffer(in.data(), 24, {4, 4}), doomed = packedBuffer(in, {2, 3});
-  BufferMap deleted = bufferMap({{"in", &doomed}});
-  doomed.reset();
-  const std::pair<BufferMap, const char*> cases[] = {
-      {bufferMap({{"out", &inBuffer}}), "input tensor 'in' has no user buffer"},
-      {bufferMap({{"in", &shortBuffer}}),
-       "input tensor 'in' (2x3): the user buffer holds 20 bytes, the tensor needs 24"},
-      {bufferMap({{"in", &otherModel}}), "holds 48 bytes, the tensor needs 32"},  // rows of 4: room to spare
-      {bufferMap({{"in", &flatBuffer}}), "1 strides for 2 dimensions"},
-      {bufferMap({{"in", &overlapping}}), "strides 4x4 do not fit dimensions 2x3"},
-      {std::move(deleted), "the user buffer of input tensor 'in' was deleted"},
-  };
   BufferMap outputs = bufferMap({{"out", &outBuffer}, {"side", &sideBuffer}});
-  for (const auto& [inputs, reason] : cases) {
+  for (const auto& [inputs, reason] :
+       {std::pair<BufferMap, const char*>{bufferMap({{"out", &inBuffer}}), "input tensor 'in' has no user buffer"},
+        {bufferMap({{"in", &shortBuffer}}), "the user buffer holds 20 bytes, the tensor needs 24"},
+        {bufferMap({{"in", &flatBuffer}}), "1 strides for 2 dimensions"}}) {
     EXPECT_EQ(Snpe_SNPE_ExecuteUserBuffers(network.get(), inputs.get(), outputs.get()),
               SNPE_ERRORCODE_CAPI_BAD_ARGUMENT);
     EXPECT_NE(lastError().find(reason), std::string::npos) << lastError();
   }
-  BufferMap good = bufferMap({{"in", &inBuffer}}), noSide = bufferMap({{"out", &outBuffer}});
-  EXPECT_NE(Snpe_SNPE_ExecuteUserBuffers(network.get(), good.get(), noSide.get()), SNPE_SUCCESS);
-  EXPECT_NE(lastError().find("output tensor 'side' has no user buffer"), std::string::npos) << lastError();
   EXPECT_EQ(out, std::vector<float>(6, kCanary));
+  BufferMap good = bufferMap({{"in", &inBuffer}});
   EXPECT_EQ(Snpe_SNPE_ExecuteUserBuffers(network.get(), good.get(), network.get()), SNPE_ERRORCODE_CAPI_BAD_HANDLE);
   EXPECT_EQ(Snpe_SNPE_ExecuteUserBuffers(network.get(), good.get(), outputs.get()), SNPE_SUCCESS);
   EXPECT_EQ(out, std::vector<float>(6, 1.0f));

@@ -18,7 +18,7 @@ class OnnxFixtureTest : public StandInTest, public ::testing::WithParamInterface
 TEST_P(OnnxFixtureTest, RunsOnGoldenDataInTheDeviceLayout) {
   const auto test = tivora::test::loadFixture(GetParam());
   // Recognised by content: the file is named like a device container.
-  const std::string path = writeFile(tivora::test::fixtureName(GetParam()) + ".dlc", test.model);
+  const std::string path = tivora::test::writeModel(tivora::test::fixtureName(GetParam()) + ".dlc", test.model);
   Container container(Snpe_DlContainer_Open(path.c_str()));
   Builder builder(Snpe_SNPEBuilder_Create(container.get()));
   Network network(Snpe_SNPEBuilder_Build(builder.get()));
@@ -113,13 +113,10 @@ TEST_F(OnnxModelTest, RefusesWhatTheEngineCannotRunWithItsReason) {
   const std::string tiny = tinyModel().SerializeAsString();
   const std::pair<std::string, const char*> cases[] = {
       {tiny.substr(0, tiny.size() - 9), "not a protocol buffer"},
-      {std::string(tiny).replace(20, 4, "\xff\xff\xff\xff"), "not a protocol buffer"},
       {tinyWith([](onnx::GraphProto& g) { g.mutable_node(1)->set_op_type("Hardmax"); }),
        "Can't create layer \"onnx_node_output_0!y\" of type \"Hardmax\""},
       {tinyWith([](onnx::GraphProto& g) { inputType(g).mutable_shape()->mutable_dim(2)->set_dim_param("height"); }),
        "input 'x' has a dynamic dimension 2 ('height')"},
-      {tinyWith([](onnx::GraphProto& g) { inputType(g).set_elem_type(onnx::TensorProto::INT64); }),
-       "input 'x' holds INT64 elements"},
   };
   for (const auto& [bytes, reason] : cases) {
     EXPECT_FALSE(open(bytes));

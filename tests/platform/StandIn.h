@@ -1,17 +1,16 @@
-// Helpers for tests of the NN runtime's host stand-in: owning handles, model files, user buffers,
-// and a fixture that starts from a reset stand-in and checks that every object was released.
+// Helpers for tests of the NN runtime's host stand-in: owning handles, models, user buffers, and a
+// fixture that starts from a reset stand-in and checks that every object was released.
 #pragma once
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
-#include <fstream>
 #include <initializer_list>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "DeviceFiles.h"
 #include "DlContainer/DlContainer.h"
 #include "DlSystem/IUserBuffer.h"
 #include "DlSystem/RuntimeList.h"
@@ -21,13 +20,12 @@
 #include "SNPE/SNPE.h"
 #include "SNPE/SNPEBuilder.h"
 #include "SNPE/SNPEUtil.h"
+#include "SlotNetworks.h"
 #include "snpe_stub/SnpeControl.h"
 
 namespace standin {
 
-// channel_mean over a 4x5 image of 3 channels.
-inline constexpr const char* kMeanModel =
-    "TIVORA-HOST-DLC 1\nversion: mean-colour-1.0\ninput: image 1x4x5x3\noutput: mean 1x3\nop: channel_mean\n";
+using tivora::test::kMeanModel;
 // copy of 2x3 elements into a tensor of another shape, and a second output the op leaves alone.
 inline constexpr const char* kCopyModel =
     "TIVORA-HOST-DLC 1\nversion: copy-2.1\ninput: in 2x3\noutput: out 3x2\noutput: side 4\nop: copy\n";
@@ -51,14 +49,6 @@ using Shape = Owned<Snpe_TensorShape_Delete>;
 using Encoding = Owned<Snpe_UserBufferEncodingFloat_Delete>;
 using UserBuffer = Owned<Snpe_IUserBuffer_Delete>;
 using BufferMap = Owned<Snpe_UserBufferMap_Delete>;
-
-// Writes a file of that name beside the test program (ctest's working directory); returns its path.
-inline std::string writeFile(const std::string& name, const std::string& bytes) {
-  mkdir("platform_models", 0700);
-  const std::string path = "platform_models/" + name;
-  std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
-  return path;
-}
 
 inline Container open(const std::string& bytes) {
   return Container(Snpe_DlContainer_OpenBuffer(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()));
@@ -117,16 +107,19 @@ inline std::vector<size_t> inputDims(Snpe_SNPE_Handle_t network, const std::stri
 
 inline std::string lastError() { return Snpe_ErrorCode_GetLastErrorString(); }
 
-// Starts from a reset stand-in; at the end every object the case created must be gone.
-class StandInTest : public ::testing::Test {
+// Starts from a reset stand-in on an empty device; at the end every object the case created must
+// be gone.
+class StandInTest : public tivora::test::DeviceTest {
  protected:
   void SetUp() override {
+    DeviceTest::SetUp();
     snpe_stub::reset();
     ASSERT_EQ(snpe_stub::liveCount(), 0) << "an earlier case leaked objects";
   }
   void TearDown() override {
     EXPECT_EQ(snpe_stub::liveCount(), 0) << "objects still alive";
     snpe_stub::reset();
+    DeviceTest::TearDown();
   }
 };
 

@@ -28,9 +28,20 @@ struct Plane {
     record.stride = stride;
   }
   tvr_image_buf_t* get() { return &record; }
+  uint8_t* data() { return memory.data(); }
+  uint32_t stride() const { return record.stride; }
   const uint8_t* row(uint32_t r) const { return memory.data() + static_cast<size_t>(record.stride) * r; }
+  uint8_t& at(uint32_t x, uint32_t r) { return memory[static_cast<size_t>(record.stride) * r + x]; }
   bool untouched() const {
     return std::all_of(memory.begin(), memory.end(), [](uint8_t byte) { return byte == kCanary; });
+  }
+  // Whether every byte outside the picture (size.w bytes of each of size.h rows) holds kCanary.
+  bool untouchedAround() const {
+    for (size_t i = 0; i < memory.size(); ++i) {
+      const bool inside = i / record.stride < record.size.h && i % record.stride < record.size.w;
+      if (!inside && memory[i] != kCanary) return false;
+    }
+    return true;
   }
 };
 
