@@ -5,13 +5,13 @@
 
 #include <cstdio>
 #include <memory>
-#include <thread>
 
 #include "DeviceFiles.h"
 #include "NetworkBinding.h"
 #include "OnnxFixtures.h"
 #include "RecordingProcessing.h"
 #include "SlotNetworks.h"
+#include "Threads.h"
 #include "snpe_stub/SnpeControl.h"
 
 namespace {
@@ -66,14 +66,10 @@ TEST_F(OnnxNetworkTest, BackendCasesRunThroughTheLibraryAllAtOnce) {
     ASSERT_EQ(processings.back()->setup(&create), TVR_OK) << tivora::test::kOnnxFixtures[i].name;
     for (auto& output : processings.back()->mOutputs) output.assign(output.size(), 0.0f);  // setup ran it once
   }
-  std::vector<std::thread> threads;
-  for (size_t i = 0; i < tests.size(); ++i) {
-    threads.emplace_back([&, i] {
-      tvr_input_param_t input{};
-      for (int frame = 0; frame < 3; ++frame) EXPECT_EQ(processings[i]->apply(&input, &input, nullptr), TVR_OK);
-    });
-  }
-  for (auto& thread : threads) thread.join();
+  tivora::test::onThreads(static_cast<unsigned int>(tests.size()), [&](unsigned int i) {
+    tvr_input_param_t input{};
+    for (int frame = 0; frame < 3; ++frame) EXPECT_EQ(processings[i]->apply(&input, &input, nullptr), TVR_OK);
+  });
   for (size_t i = 0; i < tests.size(); ++i) {
     for (size_t k = 0; k < tests[i].outputs.size(); ++k) {
       EXPECT_TRUE(snpe_stub::testdata::closeTo(processings[i]->mOutputs[k], tests[i].outputs[k].deviceValues()))

@@ -11,7 +11,6 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "DeviceFiles.h"
@@ -19,6 +18,7 @@
 #include "LogCapture.h"
 #include "MeanColourProcessing.h"
 #include "SlotNetworks.h"
+#include "Threads.h"
 #include "fastcv.h"
 #include "snpe_stub/SnpeControl.h"
 
@@ -203,11 +203,7 @@ TEST_F(MeanColourTest, ThreadsGiveBitForBitTheOutputsOfOneThread) {
   snpe_stub::setJournaling(false);  // thousands of calls; the journal is not under test here
   std::vector<std::vector<MeanColourOutput>> alone(6), together(6);
   for (unsigned int type = 0; type < 6; ++type) alone[type] = runFrames(type, create);
-  std::vector<std::thread> threads;
-  for (unsigned int type = 0; type < 6; ++type) {
-    threads.emplace_back([&together, &create, type] { together[type] = runFrames(type, create); });
-  }
-  for (std::thread& thread : threads) thread.join();
+  tivora::test::onThreads(6, [&](unsigned int type) { together[type] = runFrames(type, create); });
   snpe_stub::setJournaling(true);
   for (unsigned int type = 0; type < 6; ++type) {
     ASSERT_EQ(alone[type].size(), TIVORA_LOAD_FRAMES) << type;

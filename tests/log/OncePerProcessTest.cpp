@@ -4,11 +4,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <cstdio>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "DeviceFiles.h"
@@ -16,6 +14,7 @@
 #include "LogCapture.h"
 #include "RecordingProcessing.h"
 #include "ScopedTrace.h"
+#include "Threads.h"
 #include "TivoraLogger.h"
 #include "TivoraTraceSink.h"
 #include "snpe_stub/SnpeControl.h"
@@ -55,16 +54,9 @@ TEST_F(OncePerProcessTest, VendorConfigurationTakesEffectOnceAndTracesEveryScope
     std::vector<int> levels(8, -1);
     {
       ScopedTrace early("Early", "setup");  // begun while tracing was off: only its end is written
-      std::atomic<bool> go{false};
-      std::vector<std::thread> threads;
-      for (size_t i = 0; i < levels.size(); ++i) {
-        threads.emplace_back([&, i] {
-          while (!go) std::this_thread::yield();
-          levels[i] = TivoraLogger::getInstance()->getLogLevel();  // never seen before it is configured
-        });
-      }
-      go = true;
-      for (auto& thread : threads) thread.join();
+      tivora::test::onThreads(8, [&](unsigned int t) {
+        levels[t] = TivoraLogger::getInstance()->getLogLevel();  // never seen before it is configured
+      });
     }
     EXPECT_EQ(levels, std::vector<int>(8, TivoraLogger::TVR_LOG_DEBUG));
     EXPECT_EQ(TivoraLogger::getInstance()->getDataDir(), kVendorCameraDir);

@@ -1,9 +1,8 @@
-#include <atomic>
 #include <chrono>
 #include <string>
-#include <thread>
 
 #include "StandIn.h"
+#include "Threads.h"
 
 namespace standin {
 namespace {
@@ -54,18 +53,11 @@ void runTogether(const std::vector<Snpe_SNPE_Handle_t>& networks, int times) {
   UserBuffer buffer = packedBuffer(memory, {4});
   BufferMap inputs = bufferMap({{"in", &buffer}});
   BufferMap outputs = bufferMap({{"out", &buffer}});
-  std::atomic<int> ready{0};
-  std::vector<std::thread> threads;
-  for (Snpe_SNPE_Handle_t network : networks) {
-    threads.emplace_back([&, network] {
-      ++ready;
-      while (ready.load() < static_cast<int>(networks.size())) std::this_thread::yield();
-      for (int i = 0; i < times; ++i) {
-        EXPECT_EQ(Snpe_SNPE_ExecuteUserBuffers(network, inputs.get(), outputs.get()), SNPE_SUCCESS);
-      }
-    });
-  }
-  for (auto& thread : threads) thread.join();
+  tivora::test::onThreads(static_cast<unsigned int>(networks.size()), [&](unsigned int t) {
+    for (int i = 0; i < times; ++i) {
+      EXPECT_EQ(Snpe_SNPE_ExecuteUserBuffers(networks[t], inputs.get(), outputs.get()), SNPE_SUCCESS);
+    }
+  });
 }
 
 TEST_F(ControlTest, CountsExecutionsInProgressOverallAndPerNetwork) {

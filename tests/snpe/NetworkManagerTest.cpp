@@ -9,7 +9,6 @@
 #include <deque>
 #include <random>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "DeviceFiles.h"
@@ -17,11 +16,13 @@
 #include "LogCapture.h"
 #include "SNPEMgr.h"
 #include "SlotNetworks.h"
+#include "Threads.h"
 #include "snpe_stub/SnpeControl.h"
 
 namespace {
 
 using tivora::SNPEParam;
+using tivora::test::onThreads;
 using tivora::test::SlotBuffers;
 
 // The journal's calls without their "Snpe_" prefix, one word each.
@@ -43,21 +44,6 @@ std::string argsOf(const std::string& name) {
     if (call.name == "Snpe_" + name) return call.args.substr(call.args.find(", ") + 2);
   }
   return "<not called>";
-}
-
-// Runs `work(t)` on eight threads at once.
-template <typename Work>
-void onThreads(Work work) {
-  std::atomic<bool> go{false};
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 8; ++t) {
-    threads.emplace_back([&go, &work, t] {
-      while (!go) std::this_thread::yield();
-      work(t);
-    });
-  }
-  go = true;
-  for (auto& thread : threads) thread.join();
 }
 
 class NetworkManagerTest : public tivora::test::DeviceTest {
@@ -179,9 +165,9 @@ TEST_F(NetworkManagerTest, MixedOperationsOnSharedAndPrivateSlotsFromManyThreads
   SNPEParam other = param;
   other.debug_mode = true;
   std::atomic<int> unexpected{0}, executed{0};
-  onThreads([&](int t) {
-    std::mt19937 random(static_cast<unsigned int>(t) * 7919u + 1u);
-    const unsigned int own = 10u + static_cast<unsigned int>(t);
+  onThreads(8, [&](unsigned int t) {
+    std::mt19937 random(t * 7919u + 1u);
+    const unsigned int own = 10u + t;
     std::vector<std::string> outputs;
     for (int i = 0; i < 600; ++i) {
       const unsigned int slot = random() % 4 == 0 ? own : static_cast<unsigned int>(random() % 3);
@@ -217,18 +203,18 @@ TEST_F(NetworkManagerTest, ExecutionsOverlapOnlyAcrossSlotsAndRuntimesAreProbedO
   for (const bool shared : {false, true}) {
     snpe_stub::reset();
     snpe_stub::setExecuteDelay(std::chrono::milliseconds(1));
-    onThreads([&](int t) {
-      for (int i = 0; i < 10; ++i) EXPECT_EQ(manager->execute(shared ? 3u : static_cast<unsigned int>(t)), 0);
+    onThreads(8, [&](unsigned int t) {
+      for (int i = 0; i < 10; ++i) EXPECT_EQ(manager->execute(shared ? 3u : t), 0);
     });
     EXPECT_EQ(snpe_stub::maxConcurrentExecutions() > 1, !shared);
   }
   snpe_stub::reset();
   snpe_stub::setRuntimeAvailable(SNPE_RUNTIME_GPU, true);
-  onThreads([&](int t) {
+  onThreads(8, [&](unsigned int t) {
     SNPEParam own = param;
     own.runtime = t % 2 == 0 ? TVR_RUNTIME_GPU : TVR_RUNTIME_AIP;  // AIP is not available
     std::vector<std::string> outputs;
-    EXPECT_EQ(manager->createSNPE(static_cast<unsigned int>(20 + t), own, outputs), t % 2 == 0 ? 0 : 2);
+    EXPECT_EQ(manager->createSNPE(20 + t, own, outputs), t % 2 == 0 ? 0 : 2);
   });
   EXPECT_EQ(countOf("Util_IsRuntimeAvailableCheckOption"), 2u) << "one probe per runtime";
 }

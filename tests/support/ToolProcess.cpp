@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <png.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -55,18 +54,6 @@ Result runTool(const std::vector<std::string>& args, const fs::path& dir) {
   fs::remove(out);
   fs::remove(err);
   return result;
-}
-
-bool readPng(const std::string& path, Png& png) {
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  if (png_image_begin_read_from_file(&image, path.c_str()) == 0) return false;
-  png.channels = (image.format & PNG_FORMAT_FLAG_COLOR) != 0 ? 3 : 1;
-  image.format = png.channels == 3 ? PNG_FORMAT_RGB : PNG_FORMAT_GRAY;
-  png.width = image.width;
-  png.height = image.height;
-  png.pixels.resize(size_t{png.width} * png.height * png.channels);
-  return png_image_finish_read(&image, nullptr, png.pixels.data(), 0, nullptr) != 0;
 }
 
 CaseFolderTest::CaseFolderTest() {

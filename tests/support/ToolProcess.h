@@ -1,5 +1,5 @@
-// What tvrtool's tests share: files of given bytes, PNGs read back with libpng, and the tvrtool
-// program itself run as a camera engineer runs it, its output and errors caught.
+// What tvrtool's tests share: files of given bytes, and the tvrtool program itself run as a camera
+// engineer runs it, its output and errors caught.
 //
 // The test program is run as `tvrtool_tests [gtest flags] COMMAND...`, COMMAND being what runs
 // tvrtool (with the emulator first in a cross build); its main (ToolProcess.cpp) takes it.
@@ -33,14 +33,6 @@ std::vector<std::string> lines(const std::string& text);
 
 // Runs tvrtool with `args`; the output is caught in files under `dir`.
 Result runTool(const std::vector<std::string>& args, const std::filesystem::path& dir);
-
-struct Png {
-  uint32_t width = 0, height = 0, channels = 0;
-  std::vector<uint8_t> pixels;
-};
-
-// Decodes the PNG file, keeping gray as gray; false when it is none.
-bool readPng(const std::string& path, Png& png);
 
 // A case with a folder of its own, emptied first: <current directory>/<suite>.<case>.
 class CaseFolderTest : public ::testing::Test {

@@ -12,6 +12,7 @@
 #include <sstream>
 #include <thread>
 
+#include "PngFile.h"
 #include "ToolProcess.h"
 
 namespace {
@@ -61,8 +62,8 @@ TEST_F(RunTest, BundledSampleTakesItsOptionsAndIsTimedTracedLoggedAndDumped) {
                                                {"input_param.csv", 1}, {"out", 1}, {"source_1920x1080.png", 1},
                                                {"network_input_48x16.png", 1}, {"network_tensor_48x16.png", 1},
                                                {"network_output_3x1.png", 1}, {"trace.json", 1}, {"results.csv", 1}}));
-  tvrtool::test::Png png;
-  ASSERT_TRUE(tvrtool::test::readPng(path("out/network_input_48x16.png"), png));
+  tvrtool::DisplayImage png;
+  ASSERT_EQ(tvrtool::readPng(path("out/network_input_48x16.png"), png), "");
   EXPECT_EQ(png.width * 100 + png.height, 1616u);
 
   // Every lifecycle call traced once, each frame's apply too, every begin ended.

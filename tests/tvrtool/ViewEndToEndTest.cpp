@@ -4,12 +4,12 @@
 
 #include <algorithm>
 
+#include "PngFile.h"
 #include "ToolProcess.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using tvrtool::test::Png;
 using tvrtool::test::Result;
 
 class ViewTest : public tvrtool::test::CaseFolderTest {
@@ -34,8 +34,8 @@ TEST_F(ViewTest, DumpsBecomePngsBesideThemAndBadOnesAreRefusedInOneLine) {
   EXPECT_EQ(result.toolErrors(),
             std::vector<std::string>{"tvrtool view: " + bad + ": the file has 5 bytes, but nv12 4x2, stride 4 takes 12 (truncated?)"});
   EXPECT_EQ(files(), (std::vector<std::string>{"5000000000_src_4x2.nv12", "5000000000_src_4x2.png", "6_src_4x2.nv12"}));
-  Png png;
-  ASSERT_TRUE(tvrtool::test::readPng(path("5000000000_src_4x2.png"), png));
+  tvrtool::DisplayImage png;
+  ASSERT_EQ(tvrtool::readPng(path("5000000000_src_4x2.png"), png), "");
   // BT.601 video range: the red pair gives 115,0,0 over luma 16 and 243,95,0 over 126.
   EXPECT_EQ(png.pixels, (std::vector<uint8_t>{115, 0,  0, 115, 0,  0, 255, 255, 255, 255, 255, 255,  //
                                               243, 95, 0, 243, 95, 0, 128, 128, 128, 128, 128, 128}));
