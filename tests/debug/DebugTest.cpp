@@ -123,6 +123,19 @@ TEST_F(DebugTest, KeyedDumpsWriteTheWholeAllocationUnderAStampedName) {
   EXPECT_EQ(tivora::test::filesIn(kDumpDir).size(), 2u);
 }
 
+// Folders that cannot take a file, as the tests' root user meets them (root ignores permission bits,
+// so "read-only" is a folder that is not there or lies under a regular file): no dump, no folder.
+TEST_F(DebugTest, FoldersThatCannotTakeAFileGetNoDump) {
+  const tivora::test::Nv12Frame frame(4, 2, 4, 0, 0, 0);
+  tivora::test::writeFile(kCamera + "/file", "x");
+  for (const std::string& dir : {kDumpDir + "/missing", kCamera + "/file/below"}) {
+    Debug debug(dir, {{"On", "true"}});
+    debug.dumpBufferByKey("src", &frame.record, "On", "nv12");
+    debug.dumpBuffer(dir + "/bytes.bin", frame.memory.data(), 4);
+    EXPECT_FALSE(std::filesystem::exists(dir)) << dir;
+  }
+}
+
 // Parameter dumps: what they write into a new file, read while the stream is still open: every line
 // must have reached the file.
 std::string written(const std::function<void(std::ofstream&)>& dumps) {

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -113,6 +114,22 @@ TEST_F(OncePerProcessTest, LocalConfigurationWithUnknownWordsKeepsTheDefaults) {
     { ScopedTrace trace("C", "apply"); }
     EXPECT_EQ(tivora::getTraceFd(), -1);
     EXPECT_EQ(tivora::test::readFile(kTraceMarker), "");
+  });
+}
+
+// A marker file that refuses every write (/dev/full: no space left) behind a first path that lies
+// under a regular file: the markers are dropped, nothing is logged, the scopes go on.
+TEST_F(OncePerProcessTest, MarkersThatCannotBeWrittenAreDroppedSilently) {
+  tivora::test::writeFile(kVendorConfig, "TivoraTrace=true\n");
+  tivora::test::writeFile(std::filesystem::path(kTraceMarker).parent_path(), "a file where tracefs would be");
+  std::filesystem::create_directories(std::filesystem::path(kDebugTraceMarker).parent_path());
+  std::filesystem::create_symlink("/dev/full", kDebugTraceMarker);
+  tivora::test::inFreshProcess([] {
+    TivoraLogger::getInstance();
+    LogCapture capture;
+    for (int i = 0; i < 3; ++i) ScopedTrace trace("C", "apply");
+    EXPECT_NE(tivora::getTraceFd(), -1) << "the debug path opened";
+    EXPECT_TRUE(capture.texts().empty());
   });
 }
 
