@@ -1,8 +1,8 @@
 // The sample processing driven as the host drives it: its answer through every path of scaling and
 // turning, every runtime call of its setup failing in turn, and load from several threads; it
 // releases everything on every path. (What it makes of crops, turns and refused frames, and its
-// debug dumps, are tvrtool_run_tests'.) The colours expected are what the image library makes of the frame's
-// samples, so that the test holds whatever the library's arithmetic.
+// debug dumps, are tvrtool_tests'.) The colours expected are what the image library makes of the
+// frame's samples, so that the test holds whatever the library's arithmetic.
 #include <gtest/gtest.h>
 
 #include <algorithm>

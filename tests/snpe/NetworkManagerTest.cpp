@@ -131,10 +131,15 @@ TEST_F(NetworkManagerTest, RequestsThatCannotBeBuiltReturnTheirStatus) {
   EXPECT_EQ(countOf("Util_IsRuntimeAvailableCheckOption"), 1u);
 }
 
-// Out of range, no network, an empty map, a failure of the runtime: 1 or 7, and the next call tries
-// again. Buffer names are read without keeping the runtime's name lists.
+// Out of range (also when a processing has grown the public maps), no network, an empty map, a
+// failure of the runtime: 1 or 7, and the next call tries again. Buffer names are read without
+// keeping the runtime's name lists.
 TEST_F(NetworkManagerTest, ExecutesOnTheSlotsUserBuffers) {
+  manager->mInputMap.resize(41);
+  manager->mOutputMap.resize(41);
   EXPECT_EQ(manager->execute(40), 1);
+  manager->mInputMap.resize(40);
+  manager->mOutputMap.resize(40);
   EXPECT_EQ(manager->execute(7), 1);
   ASSERT_EQ(create(7, param), 0);
   buffers.emplace_back(manager, 7, false);
