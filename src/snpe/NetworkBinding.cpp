@@ -186,6 +186,19 @@ void NetworkBinding::deleteRuntimeObjects() {
   mEncoding = nullptr;
 }
 
+std::vector<size_t> NetworkBinding::inputDimensions(const std::string& tensor) const {
+  if (mSlot >= kSlots) return {};
+  detail::SlotLock slot(*SNPEMgr::getInstance(), mSlot);
+  return slot.network() != nullptr ? inputDims(slot.network(), tensor) : std::vector<size_t>{};
+}
+
+std::vector<std::string> NetworkBinding::outputNames() const {
+  if (mSlot >= kSlots) return {};
+  detail::SlotLock slot(*SNPEMgr::getInstance(), mSlot);
+  return slot.network() != nullptr ? takeStrings(Snpe_SNPE_GetOutputTensorNames(slot.network()))
+                                   : std::vector<std::string>{};
+}
+
 void NetworkBinding::release() {
   if (isBound() && mSlot < kSlots) {
     SNPEMgr& manager = *SNPEMgr::getInstance();

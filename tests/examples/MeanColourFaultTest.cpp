@@ -61,17 +61,27 @@ struct Expected {
 
 TEST_F(MeanColourFaultTest, EveryRuntimeCallOfTheSetupFailingInTurnIsReportedAndReleased) {
   const std::string build = "[TVR ERROR] TivoraBase.createSNPEInternal: SNPE instance(builder(";
+  const std::string bind = "[TVR ERROR] NetworkBinding.bind: [10] ";
   std::map<std::string, Expected> expected = {
       {"Snpe_DlContainer_Open", {4, "[TVR ERROR] TivoraBase.createSNPEInternal: Container open failed"}},
-      {"Snpe_UserBufferEncodingFloat_Create", {1, ""}},
-      {"Snpe_TensorShape_CreateDimsSize", {1, ""}},
-      {"Snpe_Util_CreateUserBuffer", {1, ""}},
-      {"Snpe_UserBufferMap_Create", {1, ""}},
-      {"Snpe_UserBufferMap_Add", {1, ""}},
+      {"Snpe_SNPE_GetInputTensorNames", {1, bind + "The network has no input tensor 'image'"}},
+      {"Snpe_SNPE_GetInputDimensions", {12, bind + "Input tensor 'image' is "}},
+      {"Snpe_TensorShape_Rank", {12, bind + "Input tensor 'image' is "}},
+      {"Snpe_TensorShape_At", {12, bind + "Input tensor 'image' is "}},
+      {"Snpe_SNPE_ExecuteUserBuffers", {12, bind + "The buffers do not fit the network: "}},
       // The runtime list's additions are not checked: an empty list leaves the runtime its default
       // processor, and the network is built.
       {"Snpe_RuntimeList_Add", {0, ""}},
+      // The first list of outputs only tells whether the model has a sharpness output; the text
+      // model has none either way.
+      {"Snpe_SNPE_GetOutputTensorNames", {0, ""}},
+      {"Snpe_StringList_Size", {0, ""}},
+      {"Snpe_StringList_At", {0, ""}},
   };
+  for (const char* maker : {"Snpe_UserBufferEncodingFloat_Create", "Snpe_UserBufferMap_Create",
+                            "Snpe_TensorShape_CreateDimsSize", "Snpe_Util_CreateUserBuffer", "Snpe_UserBufferMap_Add"}) {
+    expected[maker] = {1, bind + "The runtime would not make the user buffers (" + maker};
+  }
   for (const char* step : {"Snpe_RuntimeList_Create", "Snpe_StringList_Create",
                            "Snpe_PlatformConfig_Create", "Snpe_SNPEBuilder_Create",
                            "Snpe_SNPEBuilder_SetRuntimeProcessorOrder", "Snpe_SNPEBuilder_SetPerformanceProfile",

@@ -1,6 +1,7 @@
 // The sample processing driven as the host drives it: its answer on known pictures, through every
 // path of scaling and turning, its refusals, and that it releases everything on every path.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -36,11 +37,13 @@ constexpr uint8_t kBlue[3] = {41, 240, 110};
 
 class MeanColourProcessingTest : public tivora::test::DeviceTest {
  protected:
-  // Sets the processing up and initializes it for `frame`, with the bundled model for `config`.
-  tvr_err_t start(MeanColourProcessing& processing, const MeanColourConfig& config, const Nv12Frame& frame) {
-    const std::string model =
-        tivora::test::writeModel("mean_colour.dlc", MeanColourProcessing::hostModelText(config.inputWidth,
-                                                                                         config.inputHeight));
+  // Sets the processing up and initializes it for `frame`, with `model`, or the text model for `config`.
+  tvr_err_t start(MeanColourProcessing& processing, const MeanColourConfig& config, const Nv12Frame& frame,
+                  std::string model = "") {
+    if (model.empty()) {
+      model = tivora::test::writeModel("mean_colour.dlc", MeanColourProcessing::hostModelText(config.inputWidth,
+                                                                                             config.inputHeight));
+    }
     tvr_create_param_t create{};
     std::snprintf(create.dlc_path[0], sizeof create.dlc_path[0], "%s", model.c_str());
     create.dlc_num = 1;
@@ -103,6 +106,24 @@ TEST_F(MeanColourProcessingTest, UniformFrameGivesItsColourThroughEveryScaleAndT
     EXPECT_GT(processing.lastStageTimes().execute, 0);
     stop(processing);
   }
+}
+
+// The ONNX model scripts/make-models makes: the picture's size comes from it, and beside the mean
+// colour it tells a sharpness, nothing on a uniform picture and something at an edge.
+TEST_F(MeanColourProcessingTest, OnnxModelGivesMeanColourAndSharpnessAtItsOwnSize) {
+  if (access(TIVORA_SAMPLE_MODEL, R_OK) != 0) GTEST_SKIP() << "this build makes no ONNX model " TIVORA_SAMPLE_MODEL;
+  Nv12Frame frame(64, 48, 64, kRed[0], kRed[1], kRed[2]);
+  MeanColourProcessing processing(kType);
+  ASSERT_EQ(start(processing, MeanColourConfig{}, frame, TIVORA_SAMPLE_MODEL), 0);
+  MeanColourOutput output{};
+  ASSERT_EQ(apply(processing, frame, TVR_ROTATION_0, output), 0);
+  EXPECT_EQ(processing.networkImage()->size.w * 1000 + processing.networkImage()->size.h, 672224u);
+  expectColour(output, rgbOf(kRed[0], kRed[1], kRed[2]), "uniform red");
+  EXPECT_LT(output.sharpness, 1e-9f);
+  frame.paint(32, 64, kBlue[0], kBlue[1], kBlue[2]);
+  ASSERT_EQ(apply(processing, frame, TVR_ROTATION_0, output), 0);
+  EXPECT_GT(output.sharpness, 1e-5f) << "an edge between red and blue";
+  stop(processing);
 }
 
 TEST_F(MeanColourProcessingTest, CropChoosesThePartOfTheFrameTheNetworkSees) {
@@ -186,22 +207,29 @@ TEST_F(MeanColourProcessingTest, EverythingIsReleasedAfterFailuresAndAfterARun) 
     stop(processing);
   }
   {
-    // A model whose input is larger than the configured size: the input buffer is too small.
-    MeanColourProcessing processing(kType, config);
+    // A model of 32x16: refused at setup for a configured 16x16, taken as it is without a size.
     tivora::test::writeModel("mean_colour.dlc", MeanColourProcessing::hostModelText(32, 16));
     tvr_create_param_t create{};
     std::snprintf(create.dlc_path[0], sizeof create.dlc_path[0], "%s/mean_colour.dlc",
                   tivora::paths::kVendorCameraDir);
     create.dlc_num = 1;
     create.use_user_buffers = true;
-    ASSERT_EQ(static_cast<hvx::IProcessing&>(processing).setup(&create), 0);
-    tvr_static_param_t stream{};
-    stream.src_info = {TVR_FORMAT_NV12, {64, 48}, 64, 48};
-    ASSERT_EQ(static_cast<hvx::IProcessing&>(processing).initialize(&stream), 0);
-    MeanColourOutput output{};
-    EXPECT_EQ(apply(processing, frame, TVR_ROTATION_0, output), 7) << "the runtime refuses the input buffer";
-    stop(processing);
-    EXPECT_EQ(snpe_stub::liveCount(), before);
+    for (const MeanColourConfig& sized : {config, MeanColourConfig{}}) {
+      MeanColourProcessing processing(kType, sized);
+      host = &processing;
+      const tvr_err_t status = host->setup(&create);
+      EXPECT_EQ(status, sized.inputWidth == 0 ? 0 : 12) << "the binding checks the input buffer";
+      tvr_static_param_t stream{};
+      stream.src_info = {TVR_FORMAT_NV12, {64, 48}, 64, 48};
+      EXPECT_EQ(host->initialize(&stream), status == 0 ? 0 : 12) << "no images before a network";
+      MeanColourOutput output{};
+      EXPECT_EQ(apply(processing, frame, TVR_ROTATION_0, output), status == 0 ? 0 : 12);
+      if (status == 0) {
+        EXPECT_EQ(processing.networkImage()->size.w * 100 + processing.networkImage()->size.h, 9616u);
+      }
+      stop(processing);
+      EXPECT_EQ(snpe_stub::liveCount(), before);
+    }
   }
   {
     // A stream that is not NV12: initialize fails, finalize runs by itself; a run afterwards works.
