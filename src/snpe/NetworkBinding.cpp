@@ -20,7 +20,7 @@ constexpr unsigned int kSlots = 40;
 std::string shapeText(const std::vector<size_t>& dims) {
   std::string text;
   for (size_t dim : dims) text += (text.empty() ? "" : "x") + std::to_string(dim);
-  return text;
+  return text.empty() ? "of unknown dimensions" : text;
 }
 
 // The strings of a list the runtime handed out, which is deleted.
