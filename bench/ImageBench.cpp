@@ -275,11 +275,5 @@ class RatioReporter : public tivora::bench::MedianReporter {
 
 int main(int argc, char** argv) {
   fastcv_stub::setJournaling(false);
-  // The per-frame paths log nothing at WARN.
-  tivora::TivoraLogger::getInstance()->setLogLevel(tivora::TivoraLogger::TVR_LOG_WARN);
-  benchmark::Initialize(&argc, argv);
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  benchmark::Shutdown();
-  return 0;
+  return tivora::bench::runBenchmarks<RatioReporter>(argc, argv);
 }

@@ -233,12 +233,6 @@ int main(int argc, char** argv) {
   fs::create_symlink("/dev/null", tivora::paths::kTraceMarker);
   snpe_stub::setJournaling(false);
   fixture();
-  // The per-frame paths log nothing at WARN; the benchmarks that do log say so.
-  tivora::TivoraLogger::getInstance()->setLogLevel(tivora::TivoraLogger::TVR_LOG_WARN);
-
-  benchmark::Initialize(&argc, argv);
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  benchmark::Shutdown();
-  return 0;
+  // The benchmarks that log at WARN say so.
+  return tivora::bench::runBenchmarks<RatioReporter>(argc, argv);
 }

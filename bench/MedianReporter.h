@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "TivoraLogger.h"
+
 namespace tivora::bench {
 
 class MedianReporter : public benchmark::ConsoleReporter {
@@ -36,5 +38,17 @@ class MedianReporter : public benchmark::ConsoleReporter {
   Clock mClock;
   std::map<std::string, double> mNanos;
 };
+
+// The rest of a benchmark program's main: the library logs at WARN (the per-frame paths log nothing
+// there), and the benchmarks the command line selects run, reported by a `Reporter`.
+template <typename Reporter>
+int runBenchmarks(int argc, char** argv) {
+  TivoraLogger::getInstance()->setLogLevel(TivoraLogger::TVR_LOG_WARN);
+  benchmark::Initialize(&argc, argv);
+  Reporter reporter;
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+  benchmark::Shutdown();
+  return 0;
+}
 
 }  // namespace tivora::bench

@@ -65,6 +65,12 @@ class TVR_EXPORT NetworkBinding {
   tvr_err_t bind();
   void release();
 
+  // What the slot's network tells, asked under the slot's lock, for sizing buffers before they are
+  // added: an input tensor's dimensions (device layout) and the names of its outputs. Empty when
+  // the slot is out of range or has no network, or the network has no such input.
+  std::vector<size_t> inputDimensions(const std::string& tensor) const;
+  std::vector<std::string> outputNames() const;
+
   unsigned int slot() const { return mSlot; }
   bool isBound() const { return mInputMap != nullptr; }
 

@@ -1,13 +1,9 @@
 #include "MeanColourProcessing.h"
 
 #include <algorithm>
+#include <cmath>
 #include <fstream>
 #include <vector>
-
-#include "DlSystem/IUserBuffer.h"
-#include "DlSystem/TensorShape.h"
-#include "DlSystem/UserBufferMap.h"
-#include "SNPE/SNPEUtil.h"
 
 namespace tivora::examples {
 
@@ -24,26 +20,15 @@ int64_t now() {
 
 bool quarterTurn(tvr_rotation_t rotation) { return rotation == TVR_ROTATION_90 || rotation == TVR_ROTATION_270; }
 
-// Packed byte strides of a float tensor, the last dimension fastest.
-Snpe_TensorShape_Handle_t packedStrides(const std::vector<size_t>& dims) {
-  std::vector<size_t> strides(dims.size());
-  size_t stride = sizeof(float);
-  for (size_t i = dims.size(); i-- > 0;) {
-    strides[i] = stride;
-    stride *= dims[i];
-  }
-  return Snpe_TensorShape_CreateDimsSize(strides.data(), strides.size());
-}
-
 }  // namespace
 
 MeanColourProcessing::MeanColourProcessing(SNPEMgr::TVRResourceType resourceType, MeanColourConfig config)
-    : TivoraBase(resourceType), mConfig(config) {}
+    : TivoraBase(resourceType), mConfig(config), mBinding(resourceType, kNetwork) {}
 
 // The host calls finalize and teardown before it deletes a processing; this is the safety net.
 MeanColourProcessing::~MeanColourProcessing() {
   deleteImages();
-  deleteNetworkBuffers();
+  releaseNetworkBuffers();
 }
 
 std::string MeanColourProcessing::hostModelText(uint32_t width, uint32_t height) {
@@ -51,88 +36,78 @@ std::string MeanColourProcessing::hostModelText(uint32_t width, uint32_t height)
          std::to_string(width) + "x3\noutput: mean 1x3\nop: channel_mean\n";
 }
 
-// ---- setup and teardown: the network and its user buffers ------------------------------------
+// ---- setup and teardown: the network and its buffers --------------------------------------------
 
 tvr_err_t MeanColourProcessing::setupImpl(const void* createParam) {
   const auto* create = static_cast<const tvr_create_param_t*>(createParam);
-  // The chroma planes halve the picture: the network's input needs even sides.
-  const bool evenInput = mConfig.inputWidth >= 2 && mConfig.inputHeight >= 2 &&
-                         ((mConfig.inputWidth | mConfig.inputHeight) & 1u) == 0;
-  if (create->dlc_num < 1 || !evenInput || mConfig.divisor == 0) return TVR_ERR_INVALID_ARG;
+  if (create->dlc_num < 1 || mConfig.divisor == 0) return TVR_ERR_INVALID_ARG;
   mDebug.loadConfig(kDebugConfigFile);  // optional: dumps stay off without it
   if (!mDumpDir.empty()) mDebug.dumpEverythingTo(mDumpDir);
-  deleteNetworkBuffers();               // a second setup replaces the buffers of the first
+  releaseNetworkBuffers();              // a second setup replaces the buffers of the first
 
   SNPEParam param(create, kNetwork);
   std::vector<std::string> outputs;  // the model's own outputs
   const tvr_err_t status = createSNPE(kNetwork, param, outputs);
   if (status != TVR_OK) return status;
-  return createNetworkBuffers();
+  return bindNetworkBuffers();
 }
 
-tvr_err_t MeanColourProcessing::createNetworkBuffers() {
-  const unsigned int slot = mResourceType * 5 + kNetwork;
-  const std::vector<size_t> dims{1, mConfig.inputHeight, mConfig.inputWidth, 3};
-
-  // The float picture is written straight into the input buffer's memory: the tensor record.
-  const uint32_t rowFloats = mConfig.inputWidth * 3;
-  mTensor = createImageBuf(rowFloats, mConfig.inputHeight, rowFloats, kPlane, sizeof(float));
-  if (mTensor == nullptr) return TVR_ERR_INVALID_ARG;
-
-  mEncoding = Snpe_UserBufferEncodingFloat_Create();
-  Snpe_TensorShape_Handle_t inputStrides = packedStrides(dims);
-  mInputBuffer = Snpe_Util_CreateUserBuffer(mTensor->buf.p_base, mTensor->buf.buf_size, inputStrides, mEncoding);
-  Snpe_TensorShape_Delete(inputStrides);
-  Snpe_TensorShape_Handle_t outputStrides = packedStrides({1, 3});
-  mOutputBuffer = Snpe_Util_CreateUserBuffer(mResult.data(), sizeof(float) * mResult.size(), outputStrides, mEncoding);
-  Snpe_TensorShape_Delete(outputStrides);
-  if (mInputBuffer == nullptr || mOutputBuffer == nullptr) return TVR_ERR_NOT_FOUND;
-
-  mpSNPEMgr->mInputMap[slot] = Snpe_UserBufferMap_Create();
-  mpSNPEMgr->mOutputMap[slot] = Snpe_UserBufferMap_Create();
-  mpSNPEMgr->mInputBuffers[slot].push_back(mInputBuffer);
-  mpSNPEMgr->mOutputBuffers[slot].push_back(mOutputBuffer);
-  // A map the runtime would not make or fill fails the setup now, not the first frame.
-  if (mpSNPEMgr->mInputMap[slot] == nullptr || mpSNPEMgr->mOutputMap[slot] == nullptr ||
-      Snpe_UserBufferMap_Add(mpSNPEMgr->mInputMap[slot], mConfig.inputTensor.c_str(), mInputBuffer) != SNPE_SUCCESS ||
-      Snpe_UserBufferMap_Add(mpSNPEMgr->mOutputMap[slot], mConfig.outputTensor.c_str(), mOutputBuffer) !=
-          SNPE_SUCCESS) {
-    return TVR_ERR_NOT_FOUND;
+tvr_err_t MeanColourProcessing::bindNetworkBuffers() {
+  // The picture's size is the model's, unless the configuration names one: the binding then
+  // checks it against the model. The chroma planes halve the picture: the sides must be even.
+  uint32_t width = mConfig.inputWidth, height = mConfig.inputHeight;
+  std::string shape = "1x" + std::to_string(height) + "x" + std::to_string(width) + "x3 as configured";
+  if (width == 0 && height == 0) {
+    const std::vector<size_t> dims = mBinding.inputDimensions(mConfig.inputTensor);
+    shape.clear();
+    for (size_t dim : dims) shape += (shape.empty() ? "" : "x") + std::to_string(dim);
+    if (dims.size() == 4 && dims[0] == 1 && dims[3] == 3 && dims[1] <= kMaxInputSide && dims[2] <= kMaxInputSide) {
+      height = static_cast<uint32_t>(dims[1]);
+      width = static_cast<uint32_t>(dims[2]);
+    }
   }
+  if (width < 2 || height < 2 || ((width | height) & 1u) != 0) {
+    mpLogger->logPrint(getClassName(), "setup", 6, "Input tensor '%s' is %s, not 1xHxWx3 with even sides of 2 to %u",
+                       mConfig.inputTensor.c_str(), shape.c_str(), kMaxInputSide);
+    return TVR_ERR_INVALID_ARG;
+  }
+  // The float picture is written straight into the input buffer's memory: the tensor record.
+  mTensor = createImageBuf(width * 3, height, width * 3, kPlane, sizeof(float));
+  if (mTensor == nullptr) return TVR_ERR_INVALID_ARG;
+  std::fill_n(mTensor->buf.p_base, mTensor->buf.buf_size, 0);  // binding runs the network once
+  mBinding.addInput(mConfig.inputTensor, reinterpret_cast<float*>(mTensor->buf.p_base), {1, height, width, 3});
+  mBinding.addOutput(mConfig.outputTensor, mResult.data(), {1, 3});
+  const std::vector<std::string> outputs = mBinding.outputNames();
+  mHasSharpness = std::find(outputs.begin(), outputs.end(), mConfig.sharpnessTensor) != outputs.end();
+  if (mHasSharpness) mBinding.addOutput(mConfig.sharpnessTensor, &mSharpness, {1, 1});
+  const tvr_err_t status = mBinding.bind();
+  if (status != TVR_OK) return status;
+  mInputWidth = width;
+  mInputHeight = height;
   return TVR_OK;
 }
 
 void MeanColourProcessing::teardownImpl() {
-  deleteNetworkBuffers();
+  releaseNetworkBuffers();
   deleteSNPE(kNetwork);
 }
 
 // Releases what exists: also after a setup that stopped half way.
-void MeanColourProcessing::deleteNetworkBuffers() {
-  if (mpSNPEMgr != nullptr) {
-    const unsigned int slot = mResourceType * 5 + kNetwork;
-    for (Snpe_UserBufferMap_Handle_t* map : {&mpSNPEMgr->mInputMap[slot], &mpSNPEMgr->mOutputMap[slot]}) {
-      if (*map != nullptr) Snpe_UserBufferMap_Delete(*map);
-      *map = nullptr;
-    }
-    mpSNPEMgr->mInputBuffers[slot].clear();
-    mpSNPEMgr->mOutputBuffers[slot].clear();
-  }
-  for (Snpe_IUserBuffer_Handle_t* buffer : {&mInputBuffer, &mOutputBuffer}) {
-    if (*buffer != nullptr) Snpe_IUserBuffer_Delete(*buffer);
-    *buffer = nullptr;
-  }
-  if (mEncoding != nullptr) Snpe_UserBufferEncodingFloat_Delete(mEncoding);
-  mEncoding = nullptr;
+void MeanColourProcessing::releaseNetworkBuffers() {
+  mBinding.release();
   deleteImageBuf(mTensor);
   mTensor = nullptr;
+  mInputWidth = mInputHeight = 0;
 }
 
 // ---- initialize and finalize: the intermediate images ---------------------------------------
 
 tvr_err_t MeanColourProcessing::initializeImpl(const void* staticParam) {
   const tvr_stream_info_t& source = static_cast<const tvr_static_param_t*>(staticParam)->src_info;
-  if (source.format != TVR_FORMAT_NV12 || source.size.w < 2 || source.size.h < 2) return TVR_ERR_INVALID_ARG;
+  // The images are sized for the network setup bound: no initialize before it.
+  if (source.format != TVR_FORMAT_NV12 || source.size.w < 2 || source.size.h < 2 || mInputWidth == 0) {
+    return TVR_ERR_INVALID_ARG;
+  }
   deleteImages();  // a second initialize replaces the images of the first
 
   // Crops are at most the frame; each frame sets the sizes its crop needs.
@@ -141,14 +116,14 @@ tvr_err_t MeanColourProcessing::initializeImpl(const void* staticParam) {
   mCC = createImageBuf(w, h / 2, w, kPlane, 1);
   // Scaled to the network's size, or to its transpose when a quarter turn follows; each scale
   // buffer is big enough for both.
-  const uint32_t side = std::max(mConfig.inputWidth, mConfig.inputHeight);
+  const uint32_t side = std::max(mInputWidth, mInputHeight);
   mDownY = createImageBuf(side, side, side, kPlane, 1);
   mDownCC = createImageBuf(side, side / 2 + 1, side, kPlane, 1);
   mScaledY = createImageBuf(side, side, side, kPlane, 1);
   mScaledCC = createImageBuf(side, side / 2 + 1, side, kPlane, 1);
   mTurnedY = createImageBuf(side, side, side, kPlane, 1);
   mTurnedCC = createImageBuf(side, side, side, kPlane, 1);
-  mRgb = createImageBuf(mConfig.inputWidth * 3, mConfig.inputHeight, mConfig.inputWidth * 3, kPlane, 1);
+  mRgb = createImageBuf(mInputWidth * 3, mInputHeight, mInputWidth * 3, kPlane, 1);
   for (const tvr_image_buf_t* image : {mY, mCC, mDownY, mDownCC, mScaledY, mScaledCC, mTurnedY, mTurnedCC, mRgb}) {
     if (image == nullptr) {
       deleteImages();
@@ -179,7 +154,11 @@ tvr_err_t MeanColourProcessing::applyDebugImpl(const void* input, void* output, 
 
 tvr_err_t MeanColourProcessing::processFrame(const tvr_input_param_t* input, MeanColourOutput* output, bool dump) {
   const tvr_image_buf_t* frame = input->p_src;
-  if (frame == nullptr || mY == nullptr || mTensor == nullptr) return TVR_ERR_INVALID_ARG;
+  // A setup since initialize may have bound a network of another size than the images'.
+  if (frame == nullptr || mY == nullptr || mTensor == nullptr || mRgb->size.w != mInputWidth * 3 ||
+      mRgb->size.h != mInputHeight) {
+    return TVR_ERR_INVALID_ARG;
+  }
   const tvr_crop_t& crop = frame->crop;
   const uint32_t cropW = crop.size.w, cropH = crop.size.h;
   // An even crop inside the frame and inside the images made at initialize.
@@ -190,7 +169,7 @@ tvr_err_t MeanColourProcessing::processFrame(const tvr_input_param_t* input, Mea
   // The colour stage takes the turned plane's record, which keeps the unturned size: a quarter
   // turn is only consistent for a square network input.
   const bool turn = quarterTurn(input->rotation);
-  if (!cropFits || (turn && mConfig.inputWidth != mConfig.inputHeight)) return TVR_ERR_INVALID_ARG;
+  if (!cropFits || (turn && mInputWidth != mInputHeight)) return TVR_ERR_INVALID_ARG;
   if (dump && mDebug.isDebugEnabled()) {
     mDebug.dumpBufferByKey("source", frame, "DumpSource", "nv12");
     std::ofstream params(mDebug.pathOf("input_param.csv"), std::ios::app);
@@ -210,8 +189,8 @@ tvr_err_t MeanColourProcessing::processFrame(const tvr_input_param_t* input, Mea
   // Scale to the network's size (before a quarter turn, its transpose), then turn and colour.
   start = end;
   mTimes.nv12ToRgbStart = start;
-  const uint32_t targetW = turn ? mConfig.inputHeight : mConfig.inputWidth;
-  const uint32_t targetH = turn ? mConfig.inputWidth : mConfig.inputHeight;
+  const uint32_t targetW = turn ? mInputHeight : mInputWidth;
+  const uint32_t targetH = turn ? mInputWidth : mInputHeight;
   mDownY->size = {std::min(cropW, targetW), std::min(cropH, targetH)};  // shrink each axis too large...
   mDownY->stride = mDownY->size.w;
   mDownCC->size = {mDownY->size.w, mDownY->size.h / 2};
@@ -261,6 +240,7 @@ tvr_err_t MeanColourProcessing::processFrame(const tvr_input_param_t* input, Mea
 
   if (output != nullptr) {
     std::copy(mResult.begin(), mResult.end(), output->mean_rgb);
+    output->sharpness = mHasSharpness ? mSharpness : std::nanf("");
     output->frame = ++mFrames;
   }
   return TVR_OK;

@@ -2,12 +2,14 @@
 //
 // MeanColourProcessing takes NV12 camera frames, cuts the host's crop region out, scales it to its
 // network's input size, turns it as the host asks, converts it to normalised float RGB right in
-// the network's input buffer, runs the network and reports the network's answer. Its bundled
-// network (for the NN runtime's host stand-in) computes the mean colour of the picture; on a
-// device the same code runs a real model whose first output has three values.
+// the network's input buffer, runs the network and reports the network's answer. Its networks
+// compute the mean colour of the picture and, when the model has that output, its sharpness:
+// scripts/make-models makes the ONNX one, hostModelText the NN runtime stand-in's text one (the
+// mean only); on a device the same code runs a real model whose first output has three values.
 //
 // The host drives it through hvx::IProcessing:
-//   setup(tvr_create_param_t)       builds network 0 from dlc_path[0], wraps its user buffers
+//   setup(tvr_create_param_t)       builds network 0 from dlc_path[0], takes the picture's size
+//                                   from its input tensor and binds the buffers (NetworkBinding)
 //   initialize(tvr_static_param_t)  allocates every intermediate image once, for this stream
 //   apply(tvr_input_param_t, MeanColourOutput, debug)   one frame; with a debug record it also
 //                                   dumps what it saw (see kDebugConfigFile)
@@ -25,14 +27,17 @@
 #include <cstdint>
 #include <string>
 
+#include "NetworkBinding.h"
 #include "TivoraBase.h"
 
 namespace tivora::examples {
 
 // What the host gets back from apply (the output record is agreed between host and processing).
 struct MeanColourOutput {
-  float mean_rgb[3];   // the network's first output: for the bundled network, the mean of R, G
+  float mean_rgb[3];   // the network's first output: for the bundled networks, the mean of R, G
                        // and B of the network's input, in the normalised units of the input
+  float sharpness;     // the energy of a 3x3 Laplacian over the input's luma, in those units
+                       // squared; NaN when the model has no sharpness output
   uint32_t frame;      // frames applied so far, this one included
 };
 
@@ -50,12 +55,14 @@ struct StageTimes {
 };
 
 // The network and how the processing prepares its input. The input tensor must be
-// 1 x inputHeight x inputWidth x 3 floats, the output tensor 3 floats (as in hostModelText).
+// 1 x H x W x 3 floats with even sides, the output tensor 3 floats (as in hostModelText); the
+// sharpness tensor, one float, is bound when the model has it.
 struct MeanColourConfig {
   std::string inputTensor = "image";
   std::string outputTensor = "mean";
-  uint32_t inputWidth = 224;
-  uint32_t inputHeight = 224;
+  std::string sharpnessTensor = "sharpness";
+  uint32_t inputWidth = 0;   // W x H: 0 x 0 takes the model's; any other size must be the model's
+  uint32_t inputHeight = 0;
   int mean = 128;                                        // subtracted from every 8-bit sample
   int divisor = 128;                                     // the difference is divided by it
   TivoraBase::RgbOrder order = TivoraBase::RGB_ORDER_KEEP;
@@ -72,6 +79,8 @@ class MeanColourProcessing : public TivoraBase {
   // With debugging on, every debug apply also appends the input record to "input_param.csv" in
   // the data directory, so that `tvrtool run --replay` can give each frame its record again.
   static constexpr const char* kDebugConfigFile = "MeanColourDebug.dat";
+  // The longest side of the network's picture.
+  static constexpr uint32_t kMaxInputSide = 4096;
 
   explicit MeanColourProcessing(SNPEMgr::TVRResourceType resourceType, MeanColourConfig config = {});
   ~MeanColourProcessing() override;
@@ -87,7 +96,7 @@ class MeanColourProcessing : public TivoraBase {
   void setDumpDirectory(const std::string& dir) { mDumpDir = dir; }
 
   // After an apply: the time of each stage, and the RGB888 image the network saw (size.w is three
-  // times the input width). Null before initialize.
+  // times the input width, which setup took from the model). Null before initialize.
   const StageTimes& lastStageTimes() const { return mTimes; }
   const tvr_image_buf_t* networkImage() const { return mRgb; }
 
@@ -107,8 +116,8 @@ class MeanColourProcessing : public TivoraBase {
 
  private:
   tvr_err_t processFrame(const tvr_input_param_t* input, MeanColourOutput* output, bool dump);
-  tvr_err_t createNetworkBuffers();
-  void deleteNetworkBuffers();
+  tvr_err_t bindNetworkBuffers();
+  void releaseNetworkBuffers();
   void deleteImages();
 
   static constexpr unsigned int kNetwork = 0;  // the index of the processing's only network
@@ -131,15 +140,17 @@ class MeanColourProcessing : public TivoraBase {
   StageTimes mTimes;
   uint32_t mFrames = 0;
 
-  // Network 0's user buffers: the float input (a tensor image record over the buffer's memory)
-  // and the output, registered in the slot's maps at setup.
+  // Network 0's buffers, bound at setup: the float input (a tensor image record over its memory)
+  // of the picture's size, taken from the model, and the outputs.
+  NetworkBinding mBinding;
+  uint32_t mInputWidth = 0;
+  uint32_t mInputHeight = 0;
   tvr_image_buf_t* mTensor = nullptr;
   std::array<float, 3> mResult{};
-  Snpe_UserBufferEncoding_Handle_t mEncoding = nullptr;
-  Snpe_IUserBuffer_Handle_t mInputBuffer = nullptr;
-  Snpe_IUserBuffer_Handle_t mOutputBuffer = nullptr;
+  float mSharpness = 0;
+  bool mHasSharpness = false;
 
-  // Intermediate images, made at initialize for the stream's crop size and rotation.
+  // Intermediate images, made at initialize for the stream and the picture's size.
   tvr_image_buf_t* mY = nullptr;  // the crop's luma
   tvr_image_buf_t* mCC = nullptr;  // the crop's interleaved chroma
   tvr_image_buf_t* mDownY = nullptr;  // shrunk on each axis where the crop is too large

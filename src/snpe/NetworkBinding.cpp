@@ -20,7 +20,7 @@ constexpr unsigned int kSlots = 40;
 std::string shapeText(const std::vector<size_t>& dims) {
   std::string text;
   for (size_t dim : dims) text += (text.empty() ? "" : "x") + std::to_string(dim);
-  return text;
+  return text.empty() ? "of unknown dimensions" : text;
 }
 
 // The strings of a list the runtime handed out, which is deleted.
@@ -184,6 +184,19 @@ void NetworkBinding::deleteRuntimeObjects() {
   }
   if (mEncoding != nullptr) Snpe_UserBufferEncodingFloat_Delete(mEncoding);
   mEncoding = nullptr;
+}
+
+std::vector<size_t> NetworkBinding::inputDimensions(const std::string& tensor) const {
+  if (mSlot >= kSlots) return {};
+  detail::SlotLock slot(*SNPEMgr::getInstance(), mSlot);
+  return slot.network() != nullptr ? inputDims(slot.network(), tensor) : std::vector<size_t>{};
+}
+
+std::vector<std::string> NetworkBinding::outputNames() const {
+  if (mSlot >= kSlots) return {};
+  detail::SlotLock slot(*SNPEMgr::getInstance(), mSlot);
+  return slot.network() != nullptr ? takeStrings(Snpe_SNPE_GetOutputTensorNames(slot.network()))
+                                   : std::vector<std::string>{};
 }
 
 void NetworkBinding::release() {
