@@ -3,7 +3,6 @@
 // its own thread at once, as processings of a camera run their networks.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <memory>
 
 #include "DeviceFiles.h"
@@ -57,11 +56,8 @@ TEST_F(OnnxNetworkTest, BackendCasesRunThroughTheLibraryAllAtOnce) {
   std::vector<std::unique_ptr<FixtureProcessing>> processings;
   for (const auto& fixture : tivora::test::kOnnxFixtures) tests.push_back(tivora::test::loadFixture(fixture));
   for (size_t i = 0; i < tests.size(); ++i) {
-    tvr_create_param_t create{};
-    std::snprintf(create.dlc_path[0], sizeof create.dlc_path[0], "%s",
-                  tivora::test::writeModel(std::to_string(i) + ".onnx", tests[i].model).c_str());
-    create.dlc_num = 1;
-    create.use_user_buffers = true;
+    const tvr_create_param_t create =
+        tivora::test::createRecordFor(tivora::test::writeModel(std::to_string(i) + ".onnx", tests[i].model));
     processings.push_back(std::make_unique<FixtureProcessing>(static_cast<uint32_t>(i), tests[i]));
     ASSERT_EQ(processings.back()->setup(&create), TVR_OK) << tivora::test::kOnnxFixtures[i].name;
     for (auto& output : processings.back()->mOutputs) output.assign(output.size(), 0.0f);  // setup ran it once

@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 #include <map>
 #include <memory>
@@ -39,7 +38,7 @@ struct Yuv {
 constexpr Yuv kRed{81, 90, 240};
 
 // A processing of `type` for a network input of `w` x `h` (0 x 0: the model's); the text model of a
-// `w` x `h` input; the host's create record for a model, on the CPU with user buffers.
+// `w` x `h` input.
 std::unique_ptr<MeanColourProcessing> sample(uint32_t w, uint32_t h, tivora::SNPEMgr::TVRResourceType type = 3) {
   tivora::examples::MeanColourConfig config;
   config.inputWidth = w;
@@ -48,13 +47,6 @@ std::unique_ptr<MeanColourProcessing> sample(uint32_t w, uint32_t h, tivora::SNP
 }
 std::string textModel(uint32_t w, uint32_t h) {
   return tivora::test::writeModel("m.dlc", MeanColourProcessing::hostModelText(w, h));
-}
-tvr_create_param_t createRecord(const std::string& model) {
-  tvr_create_param_t create{};
-  std::snprintf(create.dlc_path[0], sizeof create.dlc_path[0], "%s", model.c_str());
-  create.dlc_num = 1;
-  create.use_user_buffers = true;
-  return create;
 }
 tvr_static_param_t streamOf(const Nv12Frame& frame) {
   return {{TVR_FORMAT_NV12, frame.record.size, frame.record.stride, frame.record.scanline}};
@@ -72,7 +64,7 @@ class MeanColourTest : public tivora::test::DeviceTest {
   tvr_err_t start(uint32_t w, uint32_t h, const Nv12Frame& frame, const std::string& model = "") {
     stop();
     processing = sample(w, h);
-    const tvr_create_param_t create = createRecord(model.empty() ? textModel(w, h) : model);
+    const tvr_create_param_t create = tivora::test::createRecordFor(model.empty() ? textModel(w, h) : model);
     const tvr_static_param_t stream = streamOf(frame);
     const tvr_err_t status = processing->setup(&create);
     return status != TVR_OK ? status : processing->initialize(&stream);
@@ -141,7 +133,7 @@ TEST_F(MeanColourTest, OnnxModelGivesMeanColourAndSharpnessAtItsOwnSize) {
 // deliberately unused). The calls before and after the build report their own status; every step
 // of the build fails it with 5 and a message that says so.
 TEST_F(MeanColourTest, EveryRuntimeCallOfTheSetupFailingInTurnIsReportedAndReleased) {
-  const tvr_create_param_t create = createRecord(textModel(8, 8));
+  const tvr_create_param_t create = tivora::test::createRecordFor(textModel(8, 8));
   const tivora::test::ScopedLogLevel errors(tivora::TivoraLogger::TVR_LOG_ERROR);
   std::vector<std::string> calls;
   snpe_stub::reset();
@@ -231,7 +223,7 @@ std::vector<MeanColourOutput> runFrames(unsigned int type, const tvr_create_para
 // file, for thousands of frames in total (fewer under qemu): from as many threads, every output is,
 // bit for bit, that of the same frames on one thread. The tsan build runs it under ThreadSanitizer.
 TEST_F(MeanColourTest, ThreadsGiveBitForBitTheOutputsOfOneThread) {
-  const tvr_create_param_t create = createRecord(textModel(16, 16));
+  const tvr_create_param_t create = tivora::test::createRecordFor(textModel(16, 16));
   snpe_stub::setJournaling(false);  // thousands of calls; the journal is not under test here
   std::vector<std::vector<MeanColourOutput>> alone(6), together(6);
   for (unsigned int type = 0; type < 6; ++type) alone[type] = runFrames(type, create);

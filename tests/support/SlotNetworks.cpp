@@ -22,6 +22,14 @@ SNPEParam paramFor(const std::string& path) {
   return param;
 }
 
+tvr_create_param_t createRecordFor(const std::string& path) {
+  tvr_create_param_t create{};
+  std::snprintf(create.dlc_path[0], sizeof create.dlc_path[0], "%s", path.c_str());
+  create.dlc_num = 1;
+  create.use_user_buffers = true;
+  return create;
+}
+
 SlotBuffers::SlotBuffers(SNPEMgr* manager, unsigned int slot, bool withOutput)
     : mManager(manager), mSlot(slot), mEncoding(Snpe_UserBufferEncodingFloat_Create()) {
   manager->mInputMap[slot] = Snpe_UserBufferMap_Create();

@@ -18,8 +18,10 @@ inline constexpr const char kMeanModel[] =
 // Writes a model file under the test device's camera directory; returns its path.
 std::string writeModel(const std::string& name, const std::string& text);
 
-// Parameters of a network of the model at `path`, on the CPU, with user buffers.
+// Parameters of a network of the model at `path`, on the CPU, with user buffers; and the host's
+// create record of that one model.
 SNPEParam paramFor(const std::string& path);
+tvr_create_param_t createRecordFor(const std::string& path);
 
 // The mean model's float buffers in a slot's maps and buffer lists: the input, and the output
 // unless `withOutput` is false (its map is then empty). Removed and deleted on destruction.
