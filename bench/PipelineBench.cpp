@@ -23,7 +23,7 @@
 #include <string>
 #include <vector>
 
-#include "MeanColourFrames.h"
+#include "Images.h"
 #include "MeanColourProcessing.h"
 #include "MedianReporter.h"
 #include "fastcv_stub/FastcvControl.h"
