@@ -9,12 +9,8 @@ namespace tivora {
 
 extern std::atomic<const TraceMarkerSink*> gTraceMarkerSink;
 
-// The sink to hand a marker to, or null for the file. The common case, no sink, is one relaxed
-// load; only when there is one, an acquire load (pairing with setTraceMarkerSink's release store)
-// takes it with its fields, or null should it have gone in between.
-inline const TraceMarkerSink* installedTraceMarkerSink() {
-  if (gTraceMarkerSink.load(std::memory_order_relaxed) == nullptr) return nullptr;
-  return gTraceMarkerSink.load(std::memory_order_acquire);
-}
+// The sink to hand a marker to, or null for the file. Read only when tracing is on; the acquire
+// load pairs with setTraceMarkerSink's release store, so the sink's fields come with it.
+inline const TraceMarkerSink* installedTraceMarkerSink() { return gTraceMarkerSink.load(std::memory_order_acquire); }
 
 }  // namespace tivora
